@@ -1,0 +1,59 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Fails when an include breaks the order of the folders, names one of ours without its full path, or
+uses a package outside the one file that may include it."""
+import re
+import sys
+from pathlib import Path
+
+# Who may include whom, besides its own folder.
+MAY_INCLUDE = {
+    "core": set(),
+    "dsp": {"core"},
+    "plugin": {"core"},
+    "effects": {"core", "dsp", "plugin"},
+    "adapters": {"core", "dsp", "plugin"},
+    "hosts": {"core", "plugin"},
+    "editor": {"core", "plugin"},
+    "services": {"core", "plugin"},
+    "audiofiles": {"core", "dsp"},
+}
+OWN = set(MAY_INCLUDE) | {"product", "tools", "tests", "benchmarks"}
+
+# Each package is known to one of our files only.
+PACKAGES = {
+    r"pugixml": "core/MXML.cpp",
+    r"zlib\.h": "core/MZLibStream.cpp",
+    r"fftw3\.h": "dsp/MRealFFT.cpp",
+    r"nlohmann/": "tools/render/MAutomationFile.cpp",
+}
+
+INCLUDE = re.compile(r'^\s*#\s*include\s+([<"])([^>"]+)[>"]', re.MULTILINE)
+
+
+def faults_of(root: Path, file: Path):
+    name = file.relative_to(root)
+    folder = name.parts[0]
+    for bracket, target in INCLUDE.findall(file.read_text(encoding="utf-8")):
+        first = target.split("/")[0]
+        if bracket == '"' and (first not in OWN or not (root / target).is_file()):
+            yield f'{name}: "{target}" is no full path from the root'
+        elif bracket == '"' and first in ("tests", "benchmarks") and folder not in ("tests", "benchmarks"):
+            yield f'{name}: includes "{target}", which only tests may'
+        elif bracket == '"' and folder in MAY_INCLUDE and first != folder and first not in MAY_INCLUDE[folder]:
+            yield f'{name}: {folder} may not include "{target}"'
+        for package, only in PACKAGES.items():
+            if bracket == "<" and re.match(package, target) and str(name) != only:
+                yield f"{name}: <{target}> belongs in {only} alone"
+
+
+def main():
+    root = Path(sys.argv[1])
+    files = [f for d in sorted(OWN) if (root / d).is_dir() for f in sorted((root / d).rglob("*")) if f.suffix in (".h", ".cpp")]
+    faults = [fault for file in files for fault in faults_of(root, file)]
+    print("\n".join(faults) if faults else f"{len(files)} files follow the order")
+    return 1 if faults or not files else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
