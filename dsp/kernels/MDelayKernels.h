@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+/// The hot loops of the delay. Samples of lines and buffers are floats, the arithmetic is in
+/// doubles; `count` is at least 0 and no pointers need an alignment. All are [audio].
+
+/// A number that moves by a fixed step per sample: sample i has start + i * step.
+struct MLinearRamp {
+    double start = 0;
+    double step = 0;
+};
+
+/// How input and echo make the sample that goes round the loop.
+enum class MLoopMix {
+    Classic,  ///< input + feedback * echo: the first echo does not depend on the feedback
+    Default,  ///< (input + echo) * feedback: it does
+};
+
+/// The ramps of one piece of a block; sample i of the piece is sample `first` + i of the ramps.
+struct MLoopRamps {
+    MLinearRamp feedback;
+    MLinearRamp gain;
+    MLinearRamp panorama;
+    int first = 0;
+};
+
+/// A loop whose numbers do not move.
+struct MStillLoop {
+    MLoopMix mix = MLoopMix::Classic;
+    double feedback = 0;
+    double factor = 0;  ///< from echo to output
+    bool adds = false;  ///< to what the output holds already
+};
+
+/// Two sections one after the other; an absent one is null. The states are those of one or two
+/// channels, side by side.
+struct MFilterPair {
+    const struct MBiquadCoefficients* first = nullptr;
+    const struct MBiquadCoefficients* second = nullptr;
+    struct MBiquadState* firstStates = nullptr;
+    struct MBiquadState* secondStates = nullptr;
+};
+
+/// A saturation that is tanh(innerScale * |x|) * outerScale below 1 and 1 from there on, with an
+/// even component: output = (1 - amount) x + amount (r + even (r - x)^2).
+struct MSaturationSettings {
+    double innerScale = 1;
+    double outerScale = 1;
+    double even = 0;
+    double amount = 0;
+};
+
+struct MDelayKernels {
+    /// out = in, a number that is not finite taken as 0 and the rest limited to +-`ceiling`.
+    void (*copyClean)(const float* in, float* out, float ceiling, int count);
+
+    /// Reads the echoes out of the line and puts the loop's next samples, limited to +-`ceiling`,
+    /// in their place.
+    void (*exchange)(MLoopMix mix, const MLoopRamps& ramps, const float* input, float* line,
+                     float* echo, float ceiling, int count);
+    /// The same for numbers that do not move, with the echoes' way to the output in the same pass:
+    /// output = factor * echo, or output += factor * echo. The usual case of a tap in the middle.
+    void (*exchangeAndOutput)(const MStillLoop& loop, const float* input, float* line,
+                              float* output, float ceiling, int count);
+    /// loop = the mix of input and echo.
+    void (*mixLoop)(MLoopMix mix, const MLoopRamps& ramps, const float* input, const float* echo,
+                    double* loop, int count);
+    /// Pans the input pair and feeds each side from the other side's echo.
+    void (*mixPingPong)(const MLoopRamps& ramps, const float* const input[2],
+                        const float* const echo[2], double* const loop[2], int count);
+
+    /// Runs one or two channels through the sections; each section's output, not its memory, is
+    /// limited to +-`limit`. `samples` is in place.
+    void (*filterLoop)(const MFilterPair& filters, double limit, double* const* samples,
+                       int channels, int count);
+    /// The same on single-precision samples without a limit.
+    void (*filterInput)(const MFilterPair& filters, float* const* samples, int channels, int count);
+
+    void (*saturate)(const MSaturationSettings& settings, double* samples, int count);
+    /// loop = (1 - position) loop + position echo.
+    void (*freeze)(const float* position, const float* echo, double* loop, int count);
+    /// line = loop, limited to +-`ceiling`.
+    void (*store)(const double* loop, float* line, float ceiling, int count);
+
+    /// output += the echoes, mixed by the pan law.
+    void (*addPanned)(const MLoopRamps& ramps, const float* const echo[2], float* const output[2],
+                      int count);
+    /// output += gain * echo.
+    void (*addScaled)(const MLoopRamps& ramps, const float* echo, float* output, int count);
+    /// output += echo.
+    void (*add)(const float* echo, float* output, int count);
+
+    /// Stretches `length` samples over `newLength` by linear interpolation, the ends on the ends.
+    /// Both at least 2; the areas must not overlap.
+    void (*resample)(const float* from, int length, float* to, int newLength);
+};
