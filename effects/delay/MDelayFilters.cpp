@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "effects/delay/MDelayFilters.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double kLowest = 20, kHighest = 20000;  // hertz
+constexpr double kSwitchWidth = 1.0;              // hertz
+
+void DesignIfNew(MBiquad& section, BiquadType type, double frequency, double q, double sampleRate) {
+    const bool isKnown = section.DesignCounter() > 0 && section.Frequency() == frequency &&
+                         section.Quality() == q && section.SampleRate() == sampleRate;
+    if (!isKnown) section.Design(type, frequency, q, sampleRate);
+}
+
+}  // namespace
+
+void MDelayFilters::Design(const MDelaySettings& settings, int sampleRate) {
+    isLowPassActive_ = std::abs(settings.maxFrequency - kHighest) >= kSwitchWidth;
+    isHighPassActive_ = std::abs(kLowest - settings.minFrequency) >= kSwitchWidth;
+    filtersFeedback_ = settings.filtersFeedback;
+
+    const double q = static_cast<double>(static_cast<float>(0.1 + 0.8 * settings.resonance));
+    const double highest = 0.49 * sampleRate;
+    if (isLowPassActive_) {
+        DesignIfNew(lowPass_, BiquadType::LowPass, std::min(settings.maxFrequency, highest), q,
+                    sampleRate);
+    }
+    if (isHighPassActive_) {
+        DesignIfNew(highPass_, BiquadType::HighPass, std::min(settings.minFrequency, highest), q,
+                    sampleRate);
+    }
+}
+
+MFilterPair MDelayFilters::ForInput(MDelayFilterStates& states, int channel) const noexcept {
+    return {.first = LowPass(),
+            .second = HighPass(),
+            .firstStates = states.lowPass + channel,
+            .secondStates = states.highPass + channel};
+}
+
+MFilterPair MDelayFilters::ForFeedback(MDelayFilterStates& states, int channel) const noexcept {
+    return {.first = HighPass(),
+            .second = LowPass(),
+            .firstStates = states.highPass + channel,
+            .secondStates = states.lowPass + channel};
+}

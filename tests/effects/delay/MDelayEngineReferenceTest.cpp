@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/kernels/MKernelSet.h"
+#include "effects/delay/MDelayEngine.h"
+#include "tests/support/DelaySettingsMaker.h"
+#include "tests/support/MReferenceDelay.h"
+#include "tests/support/Noise.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <string>
+
+namespace {
+
+constexpr int kSampleRate = 8000;  // low, so that short blocks reach every line length
+
+struct Difference {
+    double largest = 0;
+    double peak = 0;
+};
+
+/// Runs engine and reference side by side over random settings and block sizes.
+Difference Compare(unsigned seed, int channels, const MKernelSet& kernels, bool mayCurve) {
+    std::mt19937 generator(seed);
+    MDelayEngine engine(kernels);
+    MReferenceDelay reference;
+    engine.Prepare(channels, kSampleRate);
+    reference.Prepare(channels, kSampleRate);
+    MDelaySettings settings = DefaultDelaySettings();
+    Difference difference;
+    for (int block = 0; block < 60; ++block) {
+        // The even component of the saturation runs away from loud loops; keep those quiet.
+        settings = RandomDelaySettings(generator, settings, mayCurve ? 0.7 : 1.0);
+        settings.maxFrequency = std::min(settings.maxFrequency, 20000.0);
+        if (settings.maxFrequency != 20000.0)
+            settings.maxFrequency = std::min(settings.maxFrequency, 3900.0);
+        settings.minFrequency = std::min(settings.minFrequency, 3900.0);
+        if (!mayCurve) settings.saturation = 0;
+        const double tempo = std::uniform_real_distribution<double>(60, 200)(generator);
+        const int count = std::uniform_int_distribution<int>(1, 700)(generator);
+        Channels input(channels, count), output(channels, count), expected(channels, count);
+        input.FillWithNoise(seed * 100 + static_cast<unsigned>(block), mayCurve ? 0.3f : 1.0f);
+        engine.Update(settings);
+        reference.Update(settings);
+        engine.Process(settings, tempo, input.Constants(), output.Pointers(), count);
+        reference.Process(settings, tempo, input.Constants(), expected.Pointers(), count);
+        for (int c = 0; c < channels; ++c) {
+            for (int i = 0; i < count; ++i) {
+                const auto want = static_cast<double>(expected[c][i]);
+                difference.peak = std::max(difference.peak, std::abs(want));
+                difference.largest = std::max(difference.largest,
+                                              std::abs(static_cast<double>(output[c][i]) - want));
+            }
+        }
+        settings = Arrived(settings);
+    }
+    return difference;
+}
+
+}  // namespace
+
+TEST(MDelayEngineReference, EqualsThePlainLoopExactlyWithoutSaturation) {
+    for (const MKernelSet& kernels : RunnableKernels()) {
+        for (unsigned seed = 0; seed < 60; ++seed) {
+            const int channels = 1 + static_cast<int>(seed % 3) + (seed % 7 == 6 ? 5 : 0);
+            const Difference difference = Compare(seed, channels, kernels, false);
+            ASSERT_GT(difference.peak, 0.1) << "seed " << seed;
+            ASSERT_EQ(difference.largest, 0) << kernels.name << ", seed " << seed << ", "
+                                             << channels << " channels, peak " << difference.peak;
+        }
+    }
+}
+
+TEST(MDelayEngineReference, EqualsThePlainLoopWithSaturationWithinAMillionthOfThePeak) {
+    for (const MKernelSet& kernels : RunnableKernels()) {
+        for (unsigned seed = 100; seed < 160; ++seed) {
+            const Difference difference =
+                Compare(seed, 1 + static_cast<int>(seed % 2), kernels, true);
+            ASSERT_LT(difference.largest, 1e-6 * difference.peak)
+                << kernels.name << ", seed " << seed;
+        }
+    }
+}
