@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/MAnalogCrossover.h"
+
+void MAnalogCrossover::Design(int bandCount, std::span<const double> frequencies, double sampleRate,
+                              Slope slope) {
+    designs_.Back().Design(bandCount, frequencies, sampleRate, slope);
+    designs_.Publish();
+}

@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "core/MException.h"
+#include "dsp/MLinearPhaseCrossover.h"
+#include "tests/dsp/CrossoverMeasure.h"
+#include "tests/support/AllocationCounter.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using namespace CrossoverMeasure;
+
+constexpr int kDelay = MLinearPhaseCrossover::kDelay;
+
+using FloatBands = std::vector<std::vector<float>>;
+
+std::vector<float> Floats(const std::vector<double>& samples) {
+    return {samples.begin(), samples.end()};
+}
+
+struct Designed : MLinearPhaseCrossover {
+    Designed(const std::vector<double>& limits, double sampleRate, bool fixedQ) {
+        Design(static_cast<int>(limits.size()) + 1, limits, sampleRate, fixedQ);
+        BeginBlock();
+    }
+};
+
+/// All bands of `input`, in blocks whose sizes come from `blocks` by turns.
+FloatBands SplitLinear(const MLinearPhaseCrossover& crossover, MLinearPhaseChannelState& state,
+                       const std::vector<float>& input, const std::vector<int>& blocks,
+                       std::span<const MRampEnds> gains = {}) {
+    FloatBands bands(static_cast<std::size_t>(crossover.BandCount()),
+                     std::vector<float>(input.size()));
+    const int count = static_cast<int>(input.size());
+    for (int first = 0, turn = 0; first < count; ++turn) {
+        const int block = std::min(blocks[turn % blocks.size()], count - first);
+        std::vector<float*> outputs;
+        for (auto& band : bands) outputs.push_back(band.data() + first);
+        crossover.Split(state, input.data() + first, gains, outputs, block);
+        first += block;
+    }
+    return bands;
+}
+
+/// The largest difference of the bands' sum from the delayed input, in decibels of full scale.
+double SumError(const FloatBands& bands, const std::vector<float>& input) {
+    std::vector<double> wanted(kDelay);
+    wanted.insert(wanted.end(), input.begin(), input.end() - kDelay);
+    return Decibels(LargestDifference(Sum(bands), wanted));
+}
+
+TEST(MLinearPhaseCrossover, SumIsTheInputDelayedBy3072Samples) {
+    const std::vector<float> noise = Floats(Noise(20000, 21));
+    const std::pair<std::vector<double>, bool> rows[] = {
+        {{}, false}, {{1000}, false}, {{30}, false}, {{12000}, true}};
+    for (const auto& [limits, fixedQ] : rows) {
+        const Designed crossover(limits, 48000, fixedQ);
+        MLinearPhaseChannelState state;
+        EXPECT_LE(SumError(SplitLinear(crossover, state, noise, {512}), noise), -120)
+            << limits.size() << " limits" << (fixedQ ? ", hybrid" : "");
+    }
+}
+
+TEST(MLinearPhaseCrossover, SumErrsByTheAttenuationWhereLimitsAreATransitionApart) {
+    const double transition = MLinearPhaseDesigner::TransitionWidth(48000);
+    const std::vector<double> rows[] = {{26, 269, 626, 1480, 6314},
+                                        {1000, 1001 + transition, 1002 + 2 * transition},
+                                        {300, 900, 2500, 6000, 13000},
+                                        {200, 2000}};
+    std::vector<float> impulse(kDelay + 2048);
+    impulse[0] = 1;
+    for (const auto& limits : rows) {
+        // In the hybrid form the kernels of neighbours differ in length, and their ripples add up.
+        for (const bool fixedQ : {false, true}) {
+            if (fixedQ && limits[1] < 2 * limits[0]) continue;
+            const Designed crossover(limits, 48000, fixedQ);
+            MLinearPhaseChannelState state;
+            const std::vector<double> sum = Sum(SplitLinear(crossover, state, impulse, {1000}));
+            for (const double frequency : Frequencies(5, 23999, 400)) {
+                EXPECT_LE(Decibels(ResponseAt(sum, frequency, 48000, kDelay) - 1.0),
+                          -MLinearPhaseDesigner::kAttenuation + (fixedQ ? 4 : 0))
+                    << limits[0] << " at " << frequency << (fixedQ ? ", hybrid" : "");
+            }
+        }
+    }
+}
+
+TEST(MLinearPhaseCrossover, AnyMixtureOfBlocksGivesTheSameBitsAtTheSameDelay) {
+    const std::vector<float> noise = Floats(Noise(140000, 22));
+    const Designed crossover({200, 2000, 9000}, 48000, false);
+    MLinearPhaseChannelState whole;
+    const FloatBands wanted = SplitLinear(crossover, whole, noise, {65536});
+    EXPECT_LE(SumError(wanted, noise), -75);
+    const std::vector<int> rows[] = {{1},    {64},   {2047},
+                                     {2048}, {2049}, {1, 65536, 3, 2048, 511, 4096, 1, 1}};
+    for (const auto& blocks : rows) {
+        MLinearPhaseChannelState state;
+        EXPECT_EQ(SplitLinear(crossover, state, noise, blocks), wanted) << blocks[0];
+    }
+}
+
+TEST(MLinearPhaseCrossover, GainsActBeforeTheFilters) {
+    const std::vector<float> noise = Floats(Noise(12000, 24));
+    const Designed crossover({400, 4000}, 48000, false);
+    // Standing and moving, and changing within a block of the convolution.
+    const std::array<MRampEnds, 3> rows[] = {{{{0.5, 0.5}, {2, 2}, {1, 1}}},
+                                             {{{0, 1}, {1, 0.25}, {0.3, 0.3}}}};
+    MLinearPhaseChannelState state;
+    std::array<MLinearPhaseChannelState, 3> alone;
+    for (const auto& gains : rows) {
+        const FloatBands bands = SplitLinear(crossover, state, noise, {12000}, gains);
+        for (int band = 0; band < 3; ++band) {
+            std::vector<float> wanted(noise.size());
+            const double step = (gains[band].to - gains[band].from) / 12000;
+            for (std::size_t i = 0; i < wanted.size(); ++i) {
+                const double gain = gains[band].from + step * static_cast<double>(i);
+                wanted[i] = static_cast<float>(gain * static_cast<double>(noise[i]));
+            }
+            crossover.ProcessBand(alone[band], band, wanted.data(), wanted.data(), 12000);
+            for (std::size_t i = 0; i < wanted.size(); ++i) {
+                ASSERT_NEAR(bands[band][i], wanted[i], 2e-6) << band << " at " << i;
+            }
+        }
+    }
+}
+
+TEST(MLinearPhaseCrossover, StopBandsAreAsTheAttenuationPromises) {
+    const Designed crossover({1000, 5000}, 48000, false);
+    MLinearPhaseChannelState state;
+    std::vector<float> impulse(kDelay + 2048);
+    impulse[0] = 1;
+    const FloatBands bands = SplitLinear(crossover, state, impulse, {1000});
+    const double transition = MLinearPhaseDesigner::TransitionWidth(48000);
+    for (const double frequency : Frequencies(20, 23999, 300)) {
+        const double edges[] = {0, 1000, 5000, 24000};
+        for (int band = 0; band < 3; ++band) {
+            const auto response = ResponseAt(bands[band], frequency, 48000, kDelay);
+            if (frequency < edges[band] - transition / 2 ||
+                frequency > edges[band + 1] + transition / 2) {
+                EXPECT_LT(Decibels(response), 1 - MLinearPhaseDesigner::kAttenuation) << frequency;
+            }
+            EXPECT_NEAR(response.imag(), 0, 2e-6) << "real once the delay is taken away";
+        }
+    }
+}
+
+TEST(MLinearPhaseCrossover, AddedBandsStartFromSilenceInStepWithTheOthers) {
+    MLinearPhaseCrossover crossover;
+    MLinearPhaseChannelState state;
+    const double limits[] = {100, 300, 1000, 3000, 9000};
+    const std::vector<float> noise = Floats(Noise(3333, 25)), silence(9000);
+    for (const int bands : {6, 2}) {
+        crossover.Design(bands, limits, 48000, false);
+        crossover.BeginBlock();
+        SplitLinear(crossover, state, noise, {100});
+        if (bands == 2) SplitLinear(crossover, state, silence, {77});
+    }
+    crossover.Design(6, limits, 48000, false);
+    crossover.BeginBlock();
+    for (const auto& band : SplitLinear(crossover, state, silence, {77})) {
+        EXPECT_EQ(band, std::vector<float>(9000, 0.0f));
+    }
+    const std::vector<float> more = Floats(Noise(9000, 26));
+    EXPECT_LE(SumError(SplitLinear(crossover, state, more, {77}), more), -30);
+}
+
+TEST(MLinearPhaseCrossover, IsFiniteForAnyLimitsAndRefusesNonsense) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const std::vector<float> noise = Floats(Noise(9000, 27));
+    const std::vector<double> limitRows[] = {
+        {0, -5, 1e-9, 0.5, 1}, {1e300, 30000, 1e6, 30000, 30000}, {15000, 50, 9000, 20, 3000}};
+    for (const double sampleRate : {1.0, 8000.0, 768000.0}) {
+        for (const auto& limits : limitRows) {
+            for (const bool fixedQ : {false, true}) {
+                Designed crossover(limits, sampleRate, fixedQ);
+                EXPECT_THROW(crossover.Design(7, limits, sampleRate, fixedQ), MException);
+                EXPECT_THROW(crossover.Design(2, {&nan, 1}, sampleRate, fixedQ), MException);
+                EXPECT_THROW(crossover.Design(2, limits, 0, fixedQ), MException);
+                crossover.BeginBlock();
+                EXPECT_EQ(crossover.BandCount(), 6);
+                MLinearPhaseChannelState state;
+                for (const auto& band : SplitLinear(crossover, state, noise, {999})) {
+                    for (const float sample : band) ASSERT_LT(std::abs(sample), 20);
+                }
+            }
+        }
+    }
+}
+
+TEST(MLinearPhaseCrossover, AllocatesWithTheFirstDesignAndTheFirstBlockOnly) {
+    const double limits[] = {100, 300, 1000, 3000, 9000};
+    std::vector<float> noise = Floats(Noise(4096, 28)), output(4096);
+    const std::array<float*, 6> bands = {output.data(), output.data(), output.data(),
+                                         output.data(), output.data(), output.data()};
+    MLinearPhaseCrossover crossover;
+    MLinearPhaseChannelState state;
+    for (int round = 0; round < 3; ++round) {
+        const AllocationCounter counter;
+        crossover.Design(6, limits, 48000, round == 1);
+        crossover.BeginBlock();
+        for (const int block : {1, 4096, 100}) {
+            crossover.Split(state, noise.data(), {}, bands, block);
+        }
+        EXPECT_EQ(counter.Count() > 0, round == 0) << round;
+    }
+}
+
+}  // namespace

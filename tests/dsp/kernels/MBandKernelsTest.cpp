@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/kernels/MBandKernels.h"
+#include "dsp/kernels/MKernelSet.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+constexpr float kCeiling = 4;
+
+std::vector<float> Noise(int count, unsigned seed) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<float> uniform(-5, 5);
+    std::vector<float> samples(static_cast<std::size_t>(count));
+    for (float& sample : samples) sample = uniform(random);
+    if (count > 3) samples[3] = std::numeric_limits<float>::infinity();
+    if (count > 9) samples[9] = std::numeric_limits<float>::quiet_NaN();
+    return samples;
+}
+
+/// Everything that one set of kernels makes of the same `count` samples.
+std::vector<std::vector<float>> RunEverything(const MBandKernels& kernels, int count) {
+    std::vector<std::vector<float>> results;
+    std::vector<float> levels;
+    for (const double step : {0.0, 0.013}) {
+        const MLinearRamp gain{-0.6, step};
+        std::vector<float> left = Noise(count, 1), right(left.size());
+        kernels.takeInput(Noise(count, 2).data(), gain, kCeiling, right.data(), count);
+        kernels.takeInput(left.data(), {1, 0}, kCeiling, left.data(), count);
+        results.push_back(left);
+        results.push_back(right);
+        kernels.pan(gain, left.data(), right.data(), count);
+        for (const bool adds : {false, true}) {
+            for (const bool hasSecond : {false, true}) {
+                for (const bool isMeasured : {false, true}) {
+                    MBandSum sum{{left.data(), gain}, {}, 0.7f, adds};
+                    if (hasSecond) sum.second = {right.data(), {0.3, -step}};
+                    std::vector<float> destination = results[0];
+                    MBlockLevels level;
+                    kernels.addBand(sum, destination.data(), isMeasured ? &level : nullptr, count);
+                    levels.insert(levels.end(), {level.peak, level.squares});
+                    results.push_back(destination);
+                }
+            }
+        }
+        results.push_back(left);
+        results.push_back(right);
+        const MBlockLevels level = kernels.measure(left.data(), count);
+        levels.insert(levels.end(), {level.peak, level.squares});
+    }
+    results.push_back(levels);
+    return results;
+}
+
+TEST(MBandKernels, EveryInstructionSetGivesTheSameBits) {
+    for (int count = 0; count < 70; ++count) {
+        const auto wanted = RunEverything(*RunnableKernels().front().bands, count);
+        for (const MKernelSet& set : RunnableKernels()) {
+            EXPECT_EQ(RunEverything(*set.bands, count), wanted) << set.name << ' ' << count;
+        }
+    }
+}
+
+TEST(MBandKernels, LevelsAreThoseOfTheSumBeforeItsGain) {
+    const std::vector<float> sound = {0.5f, -2, 1, 0, 0, 0, 0, 0, 0, 0, 3};
+    std::vector<float> destination(sound.size(), 100);
+    MBlockLevels levels;
+    Kernels().bands->addBand({{sound.data(), {2, 0}}, {sound.data(), {-1, 0}}, 0.1f, true},
+                             destination.data(), &levels, 11);
+    EXPECT_FLOAT_EQ(levels.peak, 3);
+    EXPECT_FLOAT_EQ(levels.squares, 0.25f + 4 + 1 + 9);
+    EXPECT_FLOAT_EQ(destination[1], 99.8f);
+}
+
+}  // namespace
