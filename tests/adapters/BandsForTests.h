@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "adapters/multiband/MBandProcessor.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <random>
+#include <stdexcept>
+#include <vector>
+
+using Sound = std::vector<std::vector<float>>;  // [channels][samples]
+
+inline constexpr double kSampleRate = 48000;
+inline constexpr std::array kLimits = {100.0, 300.0, 1000.0, 3000.0, 8000.0};
+using Slope = MAnalogCrossover::Slope;
+
+/// An effect with a memory: every band halves its input and adds what it was given before.
+class TestEffects final : public MBandEffects {
+public:
+    explicit TestEffects(int channels) : channels_(channels) {}
+
+    void ProcessBand(int band, const float* const* inputs, float* const* outputs,
+                     int count) override {
+        ++runs[band];
+        if (band == failingBand) throw std::runtime_error("failed");
+        for (int c = 0; c < channels_; ++c) {
+            for (int i = 0; i < count; ++i) {
+                const float input = inputs[c][i];
+                outputs[c][i] = 0.5f * input + memory_[band][c];
+                memory_[band][c] = (0.1f + 0.1f * static_cast<float>(band)) * input;
+            }
+        }
+    }
+
+    std::array<int, kMaxCrossoverBands> runs{};
+    int failingBand = -1;
+
+private:
+    int channels_;
+    float memory_[kMaxCrossoverBands][MBandProcessor::kMaxChannels] = {};
+};
+
+inline Sound Noise(int channels, int count, unsigned seed) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<float> uniform(-1, 1);
+    Sound sound(channels, std::vector<float>(count));
+    for (auto& channel : sound) {
+        for (float& sample : channel) sample = uniform(random);
+    }
+    return sound;
+}
+
+/// Runs samples `first` .. `first` + `count` - 1 of `sound` in place.
+inline void RunInPlace(MBandProcessor& processor, const MBandBlock& block, MBandEffects& effects,
+                       Sound& sound, int first, int count) {
+    std::array<float*, MBandProcessor::kMaxChannels> channels{};
+    for (std::size_t c = 0; c < sound.size(); ++c) channels[c] = sound[c].data() + first;
+    processor.Process(block, effects, channels.data(), channels.data(), count);
+}
+
+inline Sound RunWhole(MBandProcessor& processor, const MBandBlock& block, MBandEffects& effects,
+                      Sound sound) {
+    RunInPlace(processor, block, effects, sound, 0, static_cast<int>(sound[0].size()));
+    return sound;
+}
+
+inline double Difference(const Sound& a, const Sound& b) {
+    double largest = 0;
+    for (std::size_t c = 0; c < a.size(); ++c) {
+        for (std::size_t i = 0; i < a[c].size(); ++i) {
+            largest = std::max(largest, static_cast<double>(std::abs(a[c][i] - b[c][i])));
+        }
+    }
+    return largest;
+}
+
+inline double Peak(const Sound& sound) {
+    return Difference(sound, Sound(sound.size(), std::vector<float>(sound[0].size())));
+}
+
+/// A prepared processor with both crossovers designed.
+struct Bands {
+    explicit Bands(int bandCount, int channels = 2, Slope slope = Slope::Slope24)
+        : effects(channels) {
+        block.bandCount = bandCount;
+        processor.Analog().Design(bandCount, kLimits, kSampleRate, slope);
+        processor.LinearPhase().Design(bandCount, kLimits, kSampleRate, false);
+        processor.Prepare(channels);
+    }
+    Sound Run(const Sound& sound) { return RunWhole(processor, block, effects, sound); }
+
+    MBandProcessor processor;
+    MBandBlock block;
+    TestEffects effects;
+};
+
+/// Settings anywhere, the usual values and edges more often than chance.
+class RandomBlocks {
+public:
+    explicit RandomBlocks(unsigned seed) : random_(seed) {}
+
+    int Integer(int from, int to) { return std::uniform_int_distribution(from, to)(random_); }
+
+    void Move(MBandBlock& block) {
+        block.Arrive();
+        block.wetAffectsGain = Integer(0, 1) == 1;
+        block.wetAffectsPanorama = Integer(0, 1) == 1;
+        Move(block.inputGain, {1, 0.3, 2});
+        Move(block.outputGain, {1, 0.5, 1.5});
+        Move(block.wet, {1, 0, 0.7});
+        Move(block.dry, {1, 0, 0.4});
+        for (MBandSettings& band : block.bands) {
+            Move(band.gain, {1, 0.25, 1.8});
+            Move(band.panorama, {0, -1, 0.6});
+            band.isBypassed = Integer(0, 4) == 0;
+            band.isMuted = Integer(0, 4) == 0;
+        }
+    }
+
+private:
+    void Move(MRampEnds& ends, const std::array<double, 3>& values) {
+        if (Integer(0, 2) == 0) ends.to = values[Integer(0, 2)];
+    }
+
+    std::mt19937 random_;
+};
