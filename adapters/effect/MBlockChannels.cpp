@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/effect/MBlockChannels.h"
+
+#include <algorithm>
+
+void MBlockChannels::Reserve(int channels, int count) {
+    silence_.Get(count);
+    for (int channel = 0; channel < channels; ++channel) {
+        unheard_[channel].Get(count);
+    }
+}
+
+void MBlockChannels::Take(const MBusLayout& layout, const float* const* inputs,
+                          float* const* outputs, int count) {
+    for (int channel = 0; channel < layout.outputs; ++channel) {
+        const int source = layout.InputOf(channel);
+        const float* const samples = inputs != nullptr && source >= 0 ? inputs[source] : nullptr;
+        if (samples == nullptr) {
+            float* const silence = silence_.Get(count);
+            std::fill_n(silence, count, 0.0f);
+            inputs_[channel] = silence;
+        } else {
+            inputs_[channel] = samples;
+        }
+        float* const output = outputs != nullptr ? outputs[channel] : nullptr;
+        outputs_[channel] = output != nullptr ? output : unheard_[channel].Get(count);
+    }
+}

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "dsp/MGrowingBuffer.h"
+#include "plugin/MBusLayout.h"
+
+#include <array>
+
+/// One block as an effect may rely on it: every channel is there, whatever the host has handed
+/// over. Channels that are there are passed on as they are.
+class MBlockChannels {
+public:
+    /// Makes room for blocks of `channels` and `count` samples. [setup]
+    void Reserve(int channels, int count);
+
+    /// Takes a host's block of `layout`; null arrays and channels are allowed. Allocates when
+    /// `count` exceeds every block so far. [audio]
+    void Take(const MBusLayout& layout, const float* const* inputs, float* const* outputs,
+              int count);
+
+    /// [layout.outputs][count], valid until the next Take. [audio]
+    const float* const* Inputs() const noexcept { return inputs_.data(); }
+    /// The same; what is written for a channel that the host left out is lost. [audio]
+    float* const* Outputs() const noexcept { return outputs_.data(); }
+
+private:
+    std::array<const float*, MBusLayout::kMaxChannels> inputs_{};
+    std::array<float*, MBusLayout::kMaxChannels> outputs_{};
+    std::array<MGrowingBuffer<float>, MBusLayout::kMaxChannels> unheard_;
+    MGrowingBuffer<float> silence_;
+};

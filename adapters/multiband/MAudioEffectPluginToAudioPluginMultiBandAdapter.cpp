@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/multiband/MAudioEffectPluginToAudioPluginMultiBandAdapter.h"
+
+#include "core/MGuard.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// What the crossovers may add to the end of a sound. The two differ deliberately: hosts have cut
+// and frozen sound by these numbers.
+constexpr int kAnalogTail = 4096;       // samples
+constexpr int kLinearPhaseTail = 4098;  // samples
+
+int DefaultBandCount(const MSettings& settings) {
+    const int count = settings.Get(MSettingKeys::kDefaultBandCount, MBandLayout::kDefaultBands);
+    return count >= 1 && count <= MBandLayout::kMaxBands ? count : MBandLayout::kDefaultBands;
+}
+
+}  // namespace
+
+MAudioEffectPluginToAudioPluginMultiBandAdapter::MAudioEffectPluginToAudioPluginMultiBandAdapter(
+    const MEffectAdapterParts& parts)
+    : MAudioEffectPluginToAudioPluginAdapter(parts) {
+    CreateDefaultBands(DefaultBandCount(Settings()), false);
+}
+
+MAudioEffectPluginToAudioPluginMultiBandAdapter::
+    ~MAudioEffectPluginToAudioPluginMultiBandAdapter() = default;
+
+bool MAudioEffectPluginToAudioPluginMultiBandAdapter::Initialize() {
+    return Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::Initialize", false, [&] {
+        std::vector<std::string> names;
+        for (int band = 1; band <= kMaxBands; ++band)
+            names.push_back("Band " + std::to_string(band));
+        CreateEffects(names);
+        MParameterTable table(MutableParameters());
+        AddParameters(table);
+        OnGlobalChange(true);
+        return true;
+    });
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::AddParameters(MParameterTable& table) {
+    parameters_.AddParameters(table);
+    for (int band = 0; band < EffectCount(); ++band) {
+        const std::string number = std::to_string(band + 1);
+        table.AddEffect(Effect(band).Records(), Effect(band).Name() + " - ", "B" + number + " ",
+                        PanelShortNames(), &Effect(band));
+    }
+    AddSharedParameters(table);
+}
+
+bool MAudioEffectPluginToAudioPluginMultiBandAdapter::InitProcessing_LockedPart() {
+    return Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::InitProcessing_LockedPart",
+                 false, [&] {
+                     if (!MAudioEffectPluginToAudioPluginAdapter::InitProcessing_LockedPart())
+                         return false;
+                     for (MMeter& meter : meters_) meter.Prepare(ActiveRate());
+                     return true;
+                 });
+}
+
+// Blocks stand still here, so this thread may do the audio thread's part as well: nothing that was
+// prepared for other channels or another rate is left in its hands.
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareEffects() {
+    processor_.Prepare(ActiveLayout().outputs);
+    const MLock lock(settingsLock_);
+    preparedChannels_ = ActiveLayout().outputs;
+    preparedRate_ = ActiveRate();
+    for (int band = 0; band < layout_.bandCount; ++band) {
+        Effect(band).Prepare(preparedChannels_, preparedRate_);
+    }
+    ApplyGlobalChange(true);
+    AdoptSettings();
+    FillBlock();
+    block_.Arrive();
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::UpdateMaxBufferSize() {
+    Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::UpdateMaxBufferSize", [&] {
+        MAudioEffectPluginToAudioPluginAdapter::UpdateMaxBufferSize();
+        processor_.Reserve(block_, MaximumBlockSize());
+    });
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::OnGlobalChange(bool bandsChanged) {
+    Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::OnGlobalChange", [&] {
+        {
+            const MLock lock(settingsLock_);
+            ApplyGlobalChange(bandsChanged);
+        }
+        ReportLatencyChange();
+        ReportParameterChanges();
+    });
+}
+
+// Under the settings lock. Effects first, then the design, then what refers to both: whatever a
+// block sees of these is ready to run.
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ApplyGlobalChange(bool bandsChanged) {
+    if (bandsChanged) layout_.DeriveSolo();
+    for (int band = 0; band < layout_.bandCount && preparedChannels_ > 0; ++band) PrepareBand(band);
+    designer_.Design({.bandCount = layout_.bandCount,
+                      .isLinearPhase = options_.isLinearPhase,
+                      .hasFixedQ = options_.hasFixedQ,
+                      .slope = options_.slope,
+                      .sampleRate = preparedRate_ > 0 ? preparedRate_ : SampleRate()},
+                     parameters_.ReadLimits());
+    const int latency = LatencyOfLayout();
+    published_.Back() = {layout_.bandCount, latency, layout_.mute, layout_.bypass, options_};
+    published_.Publish();
+    publishedBands_ = layout_.bandCount;
+    for (int effect = 0; effect < EffectCount(); ++effect) Effect(effect).RequestRefresh();
+}
+
+// A band that has not run for a while must not come back with what it last heard.
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareBand(int band) {
+    MHostedEffect& effect = Effect(band);
+    if (!effect.IsPreparedFor(preparedChannels_, preparedRate_)) {
+        effect.Prepare(preparedChannels_, preparedRate_);
+    } else if (band >= publishedBands_) {
+        effect.RequestRestart();
+    }
+}
+
+// Also tells the base what the host will ask for.
+int MAudioEffectPluginToAudioPluginMultiBandAdapter::LatencyOfLayout() {
+    if (EffectCount() == 0) return 0;
+    const bool isSplit = layout_.bandCount > 1;
+    const bool isLate = isSplit && options_.isLinearPhase;
+    MEffectHandle& first = Effect(0).Handle();
+    const int latency = first.Latency() + (isLate ? MLinearPhaseCrossover::kDelay : 0);
+    const int ownTail = first.TailLength();
+    const int crossoverTail = options_.isLinearPhase ? kLinearPhaseTail : kAnalogTail;
+    SetLatency(latency, ownTail < 0 ? -1 : ownTail + (isSplit ? crossoverTail : 0));
+    return latency;
+}
+
+int MAudioEffectPluginToAudioPluginMultiBandAdapter::MaximumLatency() const noexcept {
+    return Effect(0).Handle().Latency() + MLinearPhaseCrossover::kDelay;
+}
+
+template <class Change>
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ChangeLayout(Change&& change) {
+    {
+        const MLock lock(settingsLock_);
+        change();
+        ApplyGlobalChange(true);
+    }
+    ReportLatencyChange();
+    ReportParameterChanges();
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::CreateDefaultBands(int count, bool notify) {
+    MBandLayout::CheckBandCount(count);
+    if (notify) {
+        ChangeLayout([&] { ResetBands(count); });
+        return;
+    }
+    const MLock lock(settingsLock_);
+    ResetBands(count);
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ResetBands(int count) {
+    layout_.SetDefaults(count);
+    const std::span<const double> limits = MBandLayout::DefaultLimits(count);
+    for (int index = 0; index < count - 1; ++index) {
+        parameters_.Limit(index).SetValue(std::log10(limits[static_cast<std::size_t>(index)]));
+    }
+    for (int band = 0; band < count; ++band) {
+        parameters_.Gain(band).SetValue(0);
+        parameters_.Panorama(band).SetValue(0);
+        if (band >= EffectCount()) continue;
+        Effect(band).SetDefaults();
+        Effect(band).RequestRestart();
+    }
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::LoadBandSettings(const MXMLNode& node) {
+    ChangeLayout([&] {
+        MBandLayoutRecord record{layout_.bandCount, parameters_.ReadLimits(), layout_.mute,
+                                 layout_.bypass};
+        record.Load(node);
+        layout_.bandCount = record.bandCount;
+        layout_.mute = record.mute;
+        layout_.bypass = record.bypass;
+        layout_.editedBand = std::min(layout_.editedBand, record.bandCount - 1);
+        for (int index = 0; index < record.bandCount - 1; ++index) {
+            ParameterDefinition& limit = parameters_.Limit(index);
+            limit.SetValue(limit.Nearest(record.limits[index]));
+        }
+    });
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::SaveBandSettings(MXMLNode node) {
+    const MBandLayout layout = Layout();
+    MBandLayoutRecord record{layout.bandCount, {}, layout.mute, layout.bypass};
+    for (int i = 0; i < MBandParameters::kLimits; ++i) {
+        record.limits[i] = parameters_.Limit(i).Value();
+    }
+    record.Save(node);
+}
+
+MBandLayout MAudioEffectPluginToAudioPluginMultiBandAdapter::Layout() {
+    const MLock lock(settingsLock_);
+    return layout_;
+}
+
+MBandOptions MAudioEffectPluginToAudioPluginMultiBandAdapter::Options() {
+    const MLock lock(settingsLock_);
+    return options_;
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::SetOptions(const MBandOptions& options) {
+    ChangeLayout([&] { options_ = options; });
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::SetMute(int band, bool on) {
+    ChangeLayout([&] {
+        layout_.CheckBand(band);
+        layout_.mute[band] = on;
+    });
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::SetBandBypass(int band, bool on) {
+    ChangeLayout([&] {
+        layout_.CheckBand(band);
+        layout_.bypass[band] = on;
+    });
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::SetSolo(int band, bool on) {
+    ChangeLayout([&] { layout_.SetSolo(band, on); });
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::SetEditedBand(int band) {
+    const MLock lock(settingsLock_);
+    layout_.CheckBand(band);
+    layout_.editedBand = band;
+}

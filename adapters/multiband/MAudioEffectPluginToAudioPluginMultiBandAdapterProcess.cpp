@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/multiband/MAudioEffectPluginToAudioPluginMultiBandAdapter.h"
+#include "core/MGuard.h"
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ProcessUpdate() {
+    Guard<MExceptionPolicy::Swallow>(
+        "MAudioEffectPluginToAudioPluginMultiBandAdapter::ProcessUpdate", [&] {
+            AdoptSettings();
+            for (int band = 0; band < inForce_.bandCount; ++band) Effect(band).Update();
+        });
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::AdoptSettings() noexcept {
+    if (published_.Adopt()) inForce_ = published_.Front();
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::FillBlock() noexcept {
+    const MBandOptions& options = inForce_.options;
+    block_.bandCount = inForce_.bandCount;
+    block_.isLinearPhase = options.isLinearPhase;
+    block_.wetAffectsGain = options.dryWetAffectsInputGain;
+    block_.wetAffectsPanorama = options.dryWetAffectsInputPan;
+    parameters_.ReadInto(block_, inForce_.bandCount, options.wet, options.dry);
+    for (int band = 0; band < kMaxBands; ++band) {
+        block_.bands[band].isMuted = inForce_.mute[band];
+        block_.bands[band].isBypassed = inForce_.bypass[band];
+    }
+    block_.bandMeters = IsMetering() ? meters_.data() : nullptr;
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ProcessBlock(const float* const* inputs,
+                                                                   float* const* outputs,
+                                                                   int sampleCount) {
+    designer_.Follow(parameters_.ReadLimits(), sampleCount);
+    FillBlock();
+    processor_.Process(block_, *this, inputs, outputs, sampleCount);
+    block_.Arrive();
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ProcessBand(int band,
+                                                                  const float* const* inputs,
+                                                                  float* const* outputs,
+                                                                  int count) {
+    Effect(band).Process(&Transport(), inputs, outputs, count);
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ProcessBypassed(float* channelBuffer,
+                                                                      int sampleCount,
+                                                                      int channel) {
+    Guard<MExceptionPolicy::Swallow>(
+        "MAudioEffectPluginToAudioPluginMultiBandAdapter::ProcessBypassed",
+        [&] { processor_.ProcessBypassed(block_, channelBuffer, sampleCount, channel); });
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::StartBypassed() {
+    processor_.ResetBypassed();
+}

@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/effect/MAudioEffectPluginToAudioPluginAdapter.h"
+#include "core/MException.h"
+#include "tests/support/ProbeEffect.h"
+#include "tests/support/Reports.h"
+#include "tests/support/RunPlugin.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+using testing::ElementsAre;
+
+namespace {
+
+constexpr int kBlock = 64;
+
+/// Notes what the frame calls.
+class Adapter final : public MAudioEffectPluginToAudioPluginAdapter {
+public:
+    using MAudioEffectPluginToAudioPluginAdapter::MAudioEffectPluginToAudioPluginAdapter;
+
+    void ProcessUpdate() override {
+        frame.emplace_back("update");
+        MAudioEffectPluginToAudioPluginAdapter::ProcessUpdate();
+    }
+    void ProcessBlock(const float* const* inputs, float* const* outputs, int count) override {
+        frame.emplace_back("effect");
+        MAudioEffectPluginToAudioPluginAdapter::ProcessBlock(inputs, outputs, count);
+    }
+    void PostProcess(float* const* outputs, int count) override {
+        frame.emplace_back("post");
+        MAudioEffectPluginToAudioPluginAdapter::PostProcess(outputs, count);
+    }
+    void UpdateMaxBufferSize() override {
+        if (whileLocked) whileLocked();
+        MAudioEffectPluginToAudioPluginAdapter::UpdateMaxBufferSize();
+    }
+
+    std::vector<std::string> frame;
+    std::function<void()> whileLocked;
+};
+
+std::unique_ptr<Adapter> MakeAdapter(const ProbeEffect::Script& script = {},
+                                     MPresetStepper* presets = nullptr) {
+    auto adapter = std::make_unique<Adapter>(
+        MEffectAdapterParts{{}, ProbeEffect::Reset(script), {}, nullptr, presets});
+    if (adapter->Initialize()) adapter->InitProcessing();
+    return adapter;
+}
+
+TEST(MAudioEffectPluginToAudioPluginAdapter, RunsTheFrameOfABlockInItsOrder) {
+    const auto adapter = MakeAdapter();
+    Channels input(2, kBlock), output(2, kBlock);
+    adapter->SetParameter(ProbeEffect::Level, 0.2, false);  // of 10
+    input.FillWithNoise(1);
+    adapter->Transport().tempo = 87;
+    RunPlugin(*adapter, input, output, kBlock);
+    EXPECT_THAT(adapter->frame, ElementsAre("update", "effect", "post"));
+    EXPECT_THAT(ProbeEffect::Noted().changed, ElementsAre(std::int64_t{ProbeEffect::Level}));
+    EXPECT_EQ(ProbeEffect::Noted().transports.at(0).tempo, 87);
+    EXPECT_EQ(output[1][5], 2 * input[1][5]);
+
+    adapter->frame.clear();
+    adapter->Process(nullptr, nullptr, 0);  // hosts flush parameters that way
+    adapter->EnableProcessUpdate(false);
+    adapter->Process(input.From(0), output.From(0), 1);
+    EXPECT_THAT(adapter->frame, ElementsAre("update", "effect", "post"));
+}
+
+TEST(MAudioEffectPluginToAudioPluginAdapter, EndsTheBlockOfAFailingEffectAndNoMore) {
+    static int failure = 0;
+    failure = 0;
+    const auto adapter = MakeAdapter({.inBlock = [] {
+        if (failure == 1) throw MException("a text for the user");
+        if (failure == 2) throw std::runtime_error("anything");
+    }});
+    Channels input(2, kBlock), output(2, kBlock);
+    input.FillWithNoise(2);
+    const Reports reports;
+    for (const int kind : {1, 2}) {
+        failure = kind;
+        std::fill(output[0].begin(), output[0].end(), 7.0f);
+        RunPlugin(*adapter, input, output, kBlock);
+        EXPECT_EQ(output[0][3], 7.0f) << "the outputs stay as they were";
+        failure = 0;
+        RunPlugin(*adapter, input, output, kBlock);
+        EXPECT_EQ(output[0], input[0]) << kind;
+    }
+    EXPECT_THAT(reports.texts,
+                ElementsAre("SYSTEM EXCEPTION! MAudioEffectPluginToAudioPluginAdapter::Process"));
+}
+
+TEST(MAudioEffectPluginToAudioPluginAdapter, ReportsWhichOperationFailed) {
+    const Reports reports;
+    EXPECT_FALSE(MakeAdapter({.createsAtMost = 0})->Initialize());
+    const auto unusable = MakeAdapter({.failsToCreate = true});
+    EXPECT_FALSE(unusable->InitProcessing());
+
+    const auto adapter = MakeAdapter();
+    adapter->whileLocked = [] { throw std::runtime_error("no room"); };
+    EXPECT_FALSE(adapter->InitProcessing());
+    EXPECT_EQ(reports.texts.front(), "Error creating plugin.");
+    EXPECT_EQ(reports.texts.back(),
+              "SYSTEM EXCEPTION! "
+              "MAudioEffectPluginToAudioPluginAdapter::InitProcessing_LockedPart");
+}
+
+TEST(MAudioEffectPluginToAudioPluginAdapter, KeepsBlocksAndInitProcessingApart) {
+    const auto adapter = MakeAdapter();
+    Channels input(2, kBlock), output(2, kBlock);
+    input.FillWithNoise(3);
+    std::fill(output[1].begin(), output[1].end(), 7.0f);
+    adapter->whileLocked = [&] {
+        std::thread([&] {
+            RunPlugin(*adapter, input, output, kBlock);
+            adapter->PrepareForProcessing(nullptr, 0);
+        }).join();
+    };
+    EXPECT_TRUE(adapter->InitProcessing());
+    EXPECT_EQ(output[1], std::vector<float>(kBlock, 0.0f)) << "silent instead of waiting";
+    EXPECT_TRUE(adapter->frame.empty());
+}
+
+TEST(MAudioEffectPluginToAudioPluginAdapter, GivesUpOnABlockThatDoesNotEnd) {
+    static std::atomic<bool> isInside{false}, mayEnd{false};
+    const auto adapter = MakeAdapter({.inBlock = [] {
+        isInside = true;
+        isInside.notify_one();
+        mayEnd.wait(false);
+    }});
+    Channels input(2, kBlock), output(2, kBlock);
+    const Reports reports;
+    std::thread audio([&] { RunPlugin(*adapter, input, output, kBlock); });
+    isInside.wait(false);
+    EXPECT_FALSE(adapter->SetBusLayout({1, 1}));
+    EXPECT_EQ(adapter->BusLayout(), (MBusLayout{2, 2}));
+    mayEnd = true;
+    mayEnd.notify_one();
+    audio.join();
+    EXPECT_EQ(reports.texts.front(), "Could not acquire mutex.");
+}
+
+TEST(MAudioEffectPluginToAudioPluginAdapter, TakesAnyChannelsThatAHostMayHandOver) {
+    for (const MBusLayout layout :
+         {MBusLayout{2, 2}, MBusLayout{1, 1}, MBusLayout{1, 2}, MBusLayout{2, 1}, MBusLayout{0, 2},
+          MBusLayout{8, 8}, MBusLayout{6, 8}}) {
+        const auto adapter = MakeAdapter();
+        ASSERT_TRUE(adapter->SetBusLayout(layout));
+        EXPECT_EQ(adapter->ChannelMode(), layout.outputs > 2 ? 7 : 0);
+        EXPECT_EQ(ProbeEffect::Noted().channels, layout.outputs);
+        Channels input(8, kBlock), output(8, kBlock);
+        input.FillWithNoise(4);
+        RunPlugin(*adapter, input, output, kBlock);
+        const std::vector<float> silence(kBlock, 0.0f);
+        for (int c = 0; c < layout.outputs; ++c) {
+            const int source = layout.inputs == 1 ? 0 : c;
+            EXPECT_EQ(output[c], source < layout.inputs ? input[source] : silence) << c;
+        }
+    }
+    const auto adapter = MakeAdapter();
+    for (const MBusLayout layout : {MBusLayout{2, 0}, MBusLayout{9, 2}, MBusLayout{-1, 2}}) {
+        EXPECT_FALSE(adapter->SetBusLayout(layout));
+    }
+}
+
+TEST(MAudioEffectPluginToAudioPluginAdapter, TakesNullPointersForSilence) {
+    const auto adapter = MakeAdapter();
+    Channels input(2, kBlock), output(2, kBlock);
+    input.FillWithNoise(5);
+    const float* const onlyRight[] = {nullptr, input[1].data()};
+    float* const onlyLeft[] = {output[0].data(), nullptr};
+    adapter->Process(onlyRight, output.From(0), kBlock);
+    EXPECT_EQ(output[0], std::vector<float>(kBlock, 0.0f));
+    EXPECT_EQ(output[1], input[1]);
+    adapter->Process(input.From(0), onlyLeft, kBlock);
+    EXPECT_EQ(output[0], input[0]);
+    adapter->Process(nullptr, nullptr, kBlock);
+    adapter->Process(nullptr, output.From(0), kBlock);
+    EXPECT_EQ(output[0], std::vector<float>(kBlock, 0.0f));
+    EXPECT_EQ(ProbeEffect::Noted().blocks.size(), 4u);
+}
+
+TEST(MAudioEffectPluginToAudioPluginAdapter, StepsThroughPresetsOnRisingEdges) {
+    struct Stepper final : MPresetStepper {
+        void PostStep(int number) noexcept override { steps.push_back(number); }
+        std::vector<int> steps;
+    } stepper;
+    const auto adapter = MakeAdapter({}, &stepper);
+    const std::uint32_t previous = FindParameter(*adapter, "Preset previous");
+    const std::uint32_t next = FindParameter(*adapter, "Preset next");
+    const auto write = [&](std::uint32_t identifier, double x) {
+        adapter->SetParameter(identifier, x, false);
+        adapter->Process(nullptr, nullptr, 0);
+    };
+    for (const double x : {0.4999, 0.5, 1.0, 0.4999, 1.0}) write(next, x);
+    write(previous, 1);
+    EXPECT_THAT(stepper.steps, ElementsAre(1, 1, -1));
+    adapter->SetParameter(previous, 0, false);
+    adapter->SetParameter(previous, 1, false);
+    adapter->SetParameter(previous, 0, false);  // shorter than a block
+    adapter->Process(nullptr, nullptr, 0);
+    EXPECT_THAT(stepper.steps, ElementsAre(1, 1, -1, -1));
+}
+
+TEST(MAudioEffectPluginToAudioPluginAdapter, RefusesRatesAndSizesThatNoHostHas) {
+    const auto adapter = MakeAdapter();
+    for (const int rate : {0, -44100, 1 << 30}) EXPECT_FALSE(adapter->SetSampleRate(rate)) << rate;
+    EXPECT_FALSE(adapter->SetMaximumBlockSize(0));
+    EXPECT_EQ(adapter->SampleRate(), 44100);
+    EXPECT_EQ(adapter->MaximumBlockSize(), 1024);
+    adapter->SetSampleRate(96000);
+    EXPECT_EQ(ProbeEffect::Noted().sampleRate, 44100) << "a running effect keeps its rate";
+    adapter->InitProcessing();
+    EXPECT_EQ(ProbeEffect::Noted().sampleRate, 96000);
+}
+
+}  // namespace
