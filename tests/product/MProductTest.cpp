@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "product/MProductFactory.h"
+#include "tests/support/RunPlugin.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <numbers>
+
+namespace {
+
+using Product = std::unique_ptr<MAudioEffectPluginToAudioPluginMultiBandAdapter>;
+using Slope = MAudioFilters::CrossoverGeneralizedType;
+
+constexpr int kRate = 48000;
+constexpr int kLength = 1 << 15;
+
+Product Make(int bands, const MBandOptions& options = {}) {
+    Product plugin = MProductFactory::Create();
+    plugin->CreateDefaultBands(bands);
+    plugin->SetOptions(options);
+    plugin->SetSampleRate(kRate);
+    plugin->InitProcessing();
+    return plugin;
+}
+
+void SetDry(MAudioEffectPluginToAudioPluginMultiBandAdapter& plugin) {
+    plugin.BandParameters().Wet().SetValue(0);
+    plugin.BandParameters().Dry().SetValue(1);
+    plugin.InitProcessing();  // no ramp from the wet setting
+}
+
+void Set(MAudioPlugin& plugin, const char* key, const char* text) {
+    const std::uint32_t identifier = FindParameter(plugin, key);
+    ASSERT_LT(identifier, static_cast<std::uint32_t>(plugin.ParameterCount())) << key;
+    plugin.SetParameter(identifier, plugin.ParseParameterValueName(identifier, text), false);
+}
+
+TEST(MProduct, OneDryBandIsTheInputBitForBit) {
+    for (const int block : {1, 64, 999, 4096}) {
+        const Product plugin = Make(1);
+        SetDry(*plugin);
+        Channels input(2, kLength), output(2, kLength);
+        input.FillWithNoise(1);
+        RunPlugin(*plugin, input, output, block);
+        EXPECT_EQ(output[0], input[0]);
+        EXPECT_EQ(output[1], input[1]);
+    }
+}
+
+TEST(MProduct, BypassEqualsAFullyDrySettingWithTheAnalogCrossover) {
+    for (const Slope slope : {Slope::Slope24, Slope::Slope48, Slope::Slope120}) {
+        for (const int bands : {1, 2, 6}) {
+            MBandOptions options;
+            options.slope = slope;
+            const Product dry = Make(bands, options), bypassed = Make(bands, options);
+            SetDry(*dry);
+            bypassed->Bypass().SetValue(1);
+            bypassed->InitProcessing();
+            Channels input(2, kLength), one(2, kLength), other(2, kLength);
+            input.FillWithNoise(2, 0.25f);
+            RunPlugin(*dry, input, one, 256);
+            RunPlugin(*bypassed, input, other, 100);
+            EXPECT_LT(DifferenceDb(one, other, 0), -120) << bands << " bands";
+        }
+    }
+}
+
+TEST(MProduct, BypassWithTheLinearPhaseCrossoverIsTheInputAtTheReportedLatency) {
+    for (const int bands : {1, 3}) {
+        MBandOptions options;
+        options.isLinearPhase = true;
+        const Product plugin = Make(bands, options);
+        plugin->Bypass().SetValue(1);
+        plugin->InitProcessing();
+        EXPECT_EQ(plugin->GetLatency(), bands == 1 ? 0 : 3072);
+        Channels input(2, kLength), output(2, kLength);
+        input.FillWithNoise(3);
+        RunPlugin(*plugin, input, output, 441);
+        EXPECT_EQ(DifferenceDb(input, output, 0, plugin->GetLatency()), -400);
+    }
+}
+
+// The echoes go on behind the bypass, so that coming back sounds as if one had never been away.
+TEST(MProduct, ComesBackFromBypassAsIfItHadNeverBeenAway) {
+    const Product plugin = Make(3), straight = Make(3);
+    Channels input(2, kLength), output(2, kLength), expected(2, kLength);
+    for (int i = 0; i < kLength; ++i) {
+        input[0][i] = input[1][i] = static_cast<float>(0.5 * std::sin(0.05 * i));
+    }
+    RunPlugin(*straight, input, expected, 64);
+    for (int start = 0; start < kLength; start += 64) {
+        plugin->Bypass().SetValue(start >= 12000 && start < 18000 ? 1 : 0);
+        plugin->Process(input.From(start), output.From(start), 64);
+    }
+    for (int i = 1; i < kLength; ++i) {
+        ASSERT_LT(std::fabs(output[0][i] - output[0][i - 1]), 0.06) << "a click at " << i;
+        const bool isBack = i < 12000 || i >= 18000 + 64 + 480;
+        if (isBack) {
+            ASSERT_EQ(output[0][i], expected[0][i]) << i;
+        }
+    }
+}
+
+TEST(MProduct, HostWritesReachTheNextBlock) {
+    const Product plugin = Make(1);
+    Set(*plugin, "Dry", "0%");
+    Set(*plugin, "B1 T1 Delay", "10 ms");
+    Set(*plugin, "B1 T1 Feedback", "silence");
+    Set(*plugin, "B1 T1 Gain", "0 dB");
+    plugin->InitProcessing();
+    Channels input(2, 4096), output(2, 4096);
+    input[0][0] = 1;
+    RunPlugin(*plugin, input, output, 4096);
+    const auto peak = [&] {
+        return std::max_element(output[0].begin(), output[0].end()) - output[0].begin();
+    };
+    const auto first = peak();
+    Set(*plugin, "B1 T1 Delay", "20 ms");
+    Channels silence(2, 4096);
+    RunPlugin(*plugin, silence, output, 4096);
+    RunPlugin(*plugin, input, output, 4096);
+    EXPECT_EQ(peak() - first, 480);
+}
+
+// Where the limit lies shows in how much of a sine gets into the band that is not muted.
+TEST(MProduct, BandLimitsFollowTheirAutomation) {
+    for (const bool isLinear : {false, true}) {
+        MBandOptions options;
+        options.isLinearPhase = isLinear;
+        const Product plugin = Make(2, options);
+        SetDry(*plugin);
+        plugin->SetMute(1, true);
+        Channels input(2, 16384), output(2, 16384);
+        for (int i = 0; i < 16384; ++i) {
+            input[0][i] = static_cast<float>(std::sin(2 * std::numbers::pi * 1000 * i / kRate));
+        }
+        const auto peak = [&](const char* limit) {
+            Set(*plugin, "Band limit 1", limit);
+            RunPlugin(*plugin, input, output, 64);
+            return *std::max_element(output[0].end() - 4096, output[0].end());
+        };
+        EXPECT_GT(peak("10000 Hz"), 0.98f);
+        EXPECT_LT(peak("50 Hz"), 0.001f);
+        EXPECT_GT(peak("10000 Hz"), 0.98f);
+    }
+}
+
+TEST(MProduct, RecoversFromInputThatIsNoSound) {
+    const float nonsense[] = {std::numeric_limits<float>::quiet_NaN(),
+                              std::numeric_limits<float>::infinity(),
+                              -std::numeric_limits<float>::max()};
+    for (const bool isLinear : {false, true}) {
+        MBandOptions options;
+        options.isLinearPhase = isLinear;
+        const Product plugin = Make(4, options);
+        SetDry(*plugin);
+        Channels input(2, kLength), output(2, kLength), reference(2, kLength);
+        input.FillWithNoise(4, 0.25f);
+        const Product undisturbed = Make(4, options);
+        SetDry(*undisturbed);
+        RunPlugin(*undisturbed, input, reference, 256);
+        for (int i = 0; i < 3; ++i) input[0][100 + i] = nonsense[i];
+        RunPlugin(*plugin, input, output, 256);
+        for (const float sample : output[0]) ASSERT_TRUE(std::isfinite(sample));
+        EXPECT_LT(DifferenceDb(reference, output, 2 * kLength / 3), -60);
+    }
+}
+
+TEST(MProduct, TakesOutputsThatAreItsInputs) {
+    for (const int bands : {1, 3}) {
+        for (const bool isBypassed : {false, true}) {
+            const Product plugin = Make(bands), inPlace = Make(bands), swapped = Make(bands);
+            Channels input(2, 4096), output(2, 4096), same(2, 4096), crossed(2, 4096);
+            for (Channels* channels : {&input, &same, &crossed}) channels->FillWithNoise(5);
+            for (const Product* each : {&plugin, &inPlace, &swapped}) {
+                (*each)->Bypass().SetValue(isBypassed ? 1 : 0);  // fades while it runs
+            }
+            RunPlugin(*plugin, input, output, 512);
+            RunPlugin(*inPlace, same, same, 512);
+            for (int start = 0; start < 4096; start += 512) {
+                float* const in[] = {crossed[0].data() + start, crossed[1].data() + start};
+                float* const out[] = {in[1], in[0]};
+                swapped->Process(in, out, 512);
+            }
+            EXPECT_EQ(same[0], output[0]);
+            EXPECT_EQ(crossed[1], output[0]);
+            EXPECT_EQ(crossed[0], output[1]);
+        }
+    }
+}
+
+TEST(MProduct, FollowsAnotherRateAndOtherChannelsFromTheNextStartOn) {
+    for (const bool isLinear : {false, true}) {
+        MBandOptions options;
+        options.isLinearPhase = isLinear;
+        const Product plugin = Make(5, options);
+        Channels input(8, 8192), output(8, 8192), expected(8, 8192);
+        input.FillWithNoise(6);
+        RunPlugin(*plugin, input, output, 1024);
+        plugin->SetSampleRate(96000);  // and blocks go on until the host starts anew
+        RunPlugin(*plugin, input, output, 1024);
+        plugin->CreateDefaultBands(2);
+        ASSERT_TRUE(plugin->SetBusLayout({8, 8}));
+        plugin->CreateDefaultBands(6);
+        RunPlugin(*plugin, input, output, 1024);
+
+        const Product fresh = Make(6, options);
+        fresh->SetSampleRate(96000);
+        fresh->SetBusLayout({8, 8});
+        RunPlugin(*fresh, input, expected, 1024);
+        EXPECT_LT(DifferenceDb(expected, output, 0), -120) << isLinear;
+        ASSERT_TRUE(plugin->SetBusLayout({1, 1}));
+        RunPlugin(*plugin, input, output, 1024);
+    }
+}
+
+TEST(MProduct, BandsThatComeBackBringNoOldEchoes) {
+    const Product plugin = Make(3);
+    Channels input(2, 4096), output(2, 4096);
+    const Channels silence(2, 4096);
+    input.FillWithNoise(7);
+    RunPlugin(*plugin, input, output, 512);
+    MXMLTree one("layout"), three("layout");
+    one.Root().SetAttribute("BandCount", "1");
+    three.Root().SetAttribute("BandCount", "3");
+    plugin->LoadBandSettings(one.Root());
+    Channels pause(2, 96000), tail(2, 96000);
+    RunPlugin(*plugin, pause, tail, 512);  // the only band that runs fades out
+    plugin->LoadBandSettings(three.Root());
+    Channels quiet(2, 48000), echoes(2, 48000);
+    RunPlugin(*plugin, quiet, echoes, 512);
+    EXPECT_LT(DifferenceDb(quiet, echoes, 0), -60);
+}
+
+}  // namespace

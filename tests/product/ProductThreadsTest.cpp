@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "product/MProductFactory.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/LockWaitCounter.h"
+#include "tests/support/RunPlugin.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <random>
+#include <thread>
+
+namespace {
+
+constexpr int kBlock = 64;
+
+TEST(ProductThreads, TheBandCountMayChangeInTheMiddleOfABlock) {
+    const auto plugin = MProductFactory::Create();
+    plugin->InitProcessing();
+    std::atomic<bool> isRunning{true};
+    std::thread audio([&] {
+        Channels input(2, kBlock), output(2, kBlock);
+        input.FillWithNoise(1);
+        while (isRunning) {
+            RunPlugin(*plugin, input, output, kBlock);
+            for (int c = 0; c < 2; ++c) {
+                for (const float sample : output[c]) ASSERT_TRUE(std::isfinite(sample));
+            }
+        }
+    });
+    MBandOptions options;
+    for (int change = 0; change < 100000; ++change) {
+        plugin->CreateDefaultBands(1 + change % 6);
+        if (change % 2000 == 0) {
+            options.isLinearPhase = !options.isLinearPhase && change % 4000 == 0;
+            plugin->SetOptions(options);
+        }
+        if (change % 5000 == 0) plugin->InitProcessing();
+        if (change % 100 == 0) plugin->SetMute(0, change % 200 == 0);
+    }
+    isRunning = false;
+    audio.join();
+
+    // What came last is what holds.
+    plugin->CreateDefaultBands(1);
+    plugin->BandParameters().Wet().SetValue(0);
+    plugin->InitProcessing();
+    Channels input(2, kBlock), output(2, kBlock);
+    input.FillWithNoise(2);
+    RunPlugin(*plugin, input, output, kBlock);
+    EXPECT_EQ(output[0], input[0]);
+}
+
+TEST(ProductThreads, AWaitForALockIsCounted) {
+    MMutex mutex;
+    std::atomic<bool> isHeld{false};
+    std::thread holder([&] {
+        const MLock lock(mutex);
+        isHeld = true;
+        isHeld.notify_one();
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    });
+    isHeld.wait(false);
+    const LockWaitCounter waits;
+    { const MLock lock(mutex); }
+    holder.join();
+    if (!LockWaitCounter::Counts()) GTEST_SKIP() << "the sanitizers have their own locks";
+    EXPECT_EQ(waits.Count(), 1);
+}
+
+/// Positions of all parameters at random, but for those whose lines have their own right to memory:
+/// synchronised lines grow with the tempo and switched-off taps give theirs back.
+class Automation {
+public:
+    explicit Automation(MAudioPlugin& plugin) : plugin_(plugin) {
+        const auto count = static_cast<std::uint32_t>(plugin.ParameterCount());
+        for (std::uint32_t identifier = 0; identifier < count; ++identifier) {
+            const std::string key = plugin.GetParameterID(identifier);
+            if (key.find("Sync") != std::string::npos) continue;
+            if (key.find(" On") != std::string::npos) {
+                plugin.SetParameter(identifier, 1, false);
+            } else {
+                identifiers_.push_back(identifier);
+            }
+        }
+    }
+    void Run(int writes) {
+        for (; writes > 0; --writes) {
+            const std::uint32_t which = identifiers_[generator_() % identifiers_.size()];
+            plugin_.SetParameter(which, uniform_(generator_), false);
+        }
+    }
+
+private:
+    MAudioPlugin& plugin_;
+    std::vector<std::uint32_t> identifiers_;
+    std::minstd_rand generator_{1};
+    std::uniform_real_distribution<double> uniform_{0, 1};
+};
+
+TEST(ProductThreads, BlocksNeitherAllocateNorWaitUnderAutomation) {
+    for (const bool isLinear : {false, true}) {
+        const auto plugin = MProductFactory::Create();
+        MBandOptions options;
+        options.isLinearPhase = isLinear;
+        plugin->SetOptions(options);
+        plugin->CreateDefaultBands(6);
+        plugin->SetMetering(true);
+        Automation automation(*plugin);
+        plugin->InitProcessing();
+        Channels input(2, 1024), output(2, 1024);
+        input.FillWithNoise(3);
+        RunPlugin(*plugin, input, output, 1024);
+        MXMLTree one("layout"), six("layout");
+        one.Root().SetAttribute("BandCount", "1");
+        six.Root().SetAttribute("BandCount", "6");
+        plugin->LoadBandSettings(one.Root());
+        RunPlugin(*plugin, input, output, 1024);
+        plugin->LoadBandSettings(six.Root());  // five bands start anew in the next block
+
+        // Another thread uses what threads may use meanwhile.
+        std::atomic<bool> isRunning{true};
+        std::thread other([&] {
+            for (int i = 0; isRunning; ++i) {
+                plugin->SetMute(i % 6, i % 12 < 6);
+                plugin->OnGlobalChange(true);
+                plugin->GetParameterValueName(static_cast<std::uint32_t>(i % 208));
+                plugin->Layout();
+            }
+        });
+        const AllocationCounter allocations;
+        const LockWaitCounter waits;
+        for (int block = 0; block < 500; ++block) {
+            automation.Run(3);
+            RunPlugin(*plugin, input, output, 256);
+        }
+        EXPECT_EQ(allocations.Count(), 0) << isLinear;
+        EXPECT_EQ(waits.Count(), 0) << isLinear;
+        isRunning = false;
+        other.join();
+    }
+}
+
+}  // namespace
