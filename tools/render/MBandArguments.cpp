@@ -73,10 +73,9 @@ MBandSetup MBandArguments::Read() const {
         Fail("--crossover and --slope need --bands 2 or more");
     }
     if (crossover) setup.crossover = ReadCrossover(*crossover);
+    // Kept for whatever crossover runs, as the plug-in keeps it; only the analog one is shaped by
+    // it.
     if (slope) setup.slope = ReadSlope(*slope);
-    if (slope && setup.crossover != Crossover::Analog) {
-        Fail("--slope is for the analog crossover; the others have their own steepness");
-    }
     CheckBands("--mute", mute, setup.count);
     CheckBands("--solo", solo, setup.count);
     CheckBands("--bypass-band", bypassBands, setup.count);

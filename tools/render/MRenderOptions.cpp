@@ -141,7 +141,8 @@ void DefineBands(CLI::App& app, MBandArguments& bands) {
     app.add_option("--crossover", bands.crossover,
                    "What splits it: analog, linear or hybrid [analog]");
     app.add_option("--slope", bands.slope,
-                   "Steepness of the analog crossover in dB/oct: 12, 24, 48, 72, 96 or 120 [24]");
+                   "Steepness of the analog crossover in dB/oct: 12, 24, 48, 72, 96 or 120 [24];\n"
+                   "the others have their own");
     app.add_option("--limits", bands.limits, "Where it is split, in hertz, such as 200,2000")
         ->delimiter(',')
         ->allow_extra_args(false);
