@@ -15,6 +15,10 @@ double Log(double value) { return std::log10(std::max(value, kNoneBelow)); }
 
 }  // namespace
 
+std::string MValueLogarithmic::GetDisplayTextFrom01(double x) const {
+    return Show(MValueNumber::ValueAt(x));
+}
+
 double MValueLogarithmic::PositionOf(double value) const {
     const double from = Log(Limits().minimum);
     const double to = Log(Limits().maximum);

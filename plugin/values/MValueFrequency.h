@@ -3,6 +3,7 @@
 
 #include "plugin/values/MValueNumber.h"
 
+#include <string>
 #include <string_view>
 
 /// A positive number whose positions are spread evenly over its logarithm. Increments move the
@@ -10,6 +11,10 @@
 class MValueLogarithmic : public MValueNumber<double> {
 public:
     using MValueNumber::MValueNumber;
+
+    /// The text of minimum + (maximum - minimum) * x: this one text counts positions evenly over
+    /// the value itself, as on every other scale. [any]
+    std::string GetDisplayTextFrom01(double x) const override;
 
 protected:
     double PositionOf(double value) const override;

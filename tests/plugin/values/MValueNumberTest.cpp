@@ -125,6 +125,7 @@ TEST(MValueNumber, BentAndSteppedScalesMoveWithinTheirOwnPositions) {
 
     double hertz = 200;
     MValueFrequency frequency(hertz, MMakeValueLimits(20.0, 20000.0, 1000.0));
+    EXPECT_EQ(frequency.GetDisplayTextFrom01(0.5), "10.0 kHz") << "evenly over the hertz";
     EXPECT_NEAR(frequency.GetNormalised(), 1.0 / 3, 1e-12);
     frequency.SetNormalised(2.0 / 3);
     EXPECT_NEAR(hertz, 2000, 1e-9);
