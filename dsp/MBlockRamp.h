@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/kernels/MDelayKernels.h"
+#include "dsp/MRampEnds.h"
 
 #include <cmath>
 
@@ -18,19 +18,15 @@ public:
     double End() const noexcept { return to_; }
 
     /// The ramp over `count` samples, straight in the value itself. [audio]
-    MLinearRamp Linear(int count) const noexcept { return Between(from_, to_, count); }
+    MLinearRamp Linear(int count) const noexcept { return MRampEnds{from_, to_}.Linear(count); }
 
     /// The ramp over `count` samples, straight in the square of the value. [audio]
     MLinearRamp Squared(int count) const noexcept {
-        return Between(from_ * from_, to_ * to_, count);
+        return MRampEnds{from_ * from_, to_ * to_}.Linear(count);
     }
 
 private:
     static constexpr double kSmallestChange = 1e-50;
-
-    static MLinearRamp Between(double from, double to, int count) noexcept {
-        return {from, (to - from) / count};
-    }
 
     double from_;
     double to_;
