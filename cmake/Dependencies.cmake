@@ -2,6 +2,7 @@
 # Third-party packages. scripts/setup installs every one of them.
 find_package(Threads REQUIRED)
 find_package(pugixml CONFIG REQUIRED)
+find_package(ZLIB REQUIRED)
 
 if(WIN32)
     # Debian ships GoogleTest for Windows only as sources.

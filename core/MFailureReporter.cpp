@@ -3,8 +3,11 @@
 
 #include "core/MFormat.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdio>
 #include <mutex>
+#include <new>
 #include <utility>
 
 namespace {
@@ -14,9 +17,11 @@ struct Target {
     MFailureReporter::Sink sink;
 };
 
-// Never destroyed: a host may still call into the library while it unloads it.
+// Never destroyed: a host may still call into the library while it unloads it. It stands in the
+// library's own memory, which goes with it.
 Target& CurrentTarget() {
-    static Target* const target = new Target;
+    alignas(Target) static std::array<std::byte, sizeof(Target)> place;
+    static Target* const target = new (place.data()) Target;
     return *target;
 }
 

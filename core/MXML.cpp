@@ -6,13 +6,31 @@
 
 #include <pugixml.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
 
+constexpr const char* kTooLarge = "The XML is too large.";
+
 pugi::xml_node Wrap(void* element) {
     return pugi::xml_node(static_cast<pugi::xml_node_struct*>(element));
 }
+
+/// Whether a tree of `text` stays within reason. Asked before parsing, which takes many times the
+/// memory of the text; texts of attributes with these characters count as well, deliberately.
+bool IsSmall(std::string_view text, int mostParts) {
+    return std::count_if(text.begin(), text.end(), [](char c) { return c == '<' || c == '='; }) <=
+           mostParts;
+}
+
+/// Looks for elements that stand too deep.
+class DepthWalker : public pugi::xml_tree_walker {
+public:
+    bool for_each(pugi::xml_node&) override {  // NOLINT(readability-identifier-naming)
+        return depth() <= MXMLTree::kDeepest;
+    }
+};
 
 /// Collects what the package writes.
 class TextWriter : public pugi::xml_writer {
@@ -61,6 +79,20 @@ MXMLNode MXMLNode::AddChild(std::string_view name) {
     return MXMLNode(node.append_child(std::string(name).c_str()).internal_object());
 }
 
+MXMLNode MXMLNode::AddCopy(const MXMLNode& element) {
+    return MXMLNode(Wrap(element_).append_copy(Wrap(element.element_)).internal_object());
+}
+
+void MXMLNode::RemoveChildren(std::string_view name) {
+    const std::string text(name);
+    while (Wrap(element_).remove_child(text.c_str())) {
+    }
+}
+
+void MXMLNode::RemoveChild(const MXMLNode& child) {
+    Wrap(element_).remove_child(Wrap(child.element_));
+}
+
 struct MXMLTree::Document {
     pugi::xml_document document;
 };
@@ -75,7 +107,8 @@ MXMLTree::~MXMLTree() = default;
 MXMLTree::MXMLTree(MXMLTree&& other) noexcept = default;
 MXMLTree& MXMLTree::operator=(MXMLTree&& other) noexcept = default;
 
-MXMLTree MXMLTree::Parse(std::string_view text) {
+MXMLTree MXMLTree::Parse(std::string_view text, int mostParts) {
+    if (!IsSmall(text, mostParts)) throw MException(kTooLarge);
     auto document = std::make_unique<Document>();
     const pugi::xml_parse_result result =
         document->document.load_buffer(text.data(), text.size(), pugi::parse_default);
@@ -88,6 +121,14 @@ MXMLTree MXMLTree::Parse(std::string_view text) {
         throw MException(
             MFormat("{0} (at byte {1})", result.description(), static_cast<int>(result.offset)));
     }
+    DepthWalker walker;
+    if (!document->document.traverse(walker)) throw MException(kTooLarge);
+    return MXMLTree(std::move(document));
+}
+
+MXMLTree MXMLTree::CopyOf(const MXMLNode& element) {
+    auto document = std::make_unique<Document>();
+    document->document.append_copy(Wrap(element.element_));
     return MXMLTree(std::move(document));
 }
 
@@ -97,6 +138,8 @@ MXMLNode MXMLTree::Root() const {
 
 std::string MXMLTree::Write() const {
     TextWriter writer;
-    document_->document.save(writer, "  ", pugi::format_indent, pugi::encoding_utf8);
+    writer.text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
+    document_->document.save(writer, "  ", pugi::format_indent | pugi::format_no_declaration,
+                             pugi::encoding_utf8);
     return std::move(writer.text);
 }

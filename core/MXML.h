@@ -29,6 +29,12 @@ public:
     std::vector<MXMLNode> Children() const;
     /// Adds a child at the end. [main]
     MXMLNode AddChild(std::string_view name);
+    /// Adds a copy of an element of any tree, with all below it, at the end. [main]
+    MXMLNode AddCopy(const MXMLNode& element);
+    /// Removes the children of that name, with all below them. [main]
+    void RemoveChildren(std::string_view name);
+    /// Removes one child, whose handle is not to be used again. [main]
+    void RemoveChild(const MXMLNode& child);
 
 private:
     friend class MXMLTree;
@@ -46,9 +52,18 @@ public:
     MXMLTree(MXMLTree&& other) noexcept;
     MXMLTree& operator=(MXMLTree&& other) noexcept;
 
+    /// Elements and attributes that a text may have, and how deep elements may stand in each other.
+    static constexpr int kMostParts = 1 << 18;
+    static constexpr int kDeepest = 64;
+
     /// Parses `text`. Throws MException: "The XML does not contain any elements." for a text
-    /// without an element, the package's message and the place for anything else. [main]
-    static MXMLTree Parse(std::string_view text);
+    /// without an element, "The XML is too large." beyond `mostParts` or kDeepest, the package's
+    /// message and the place for anything else. Of attributes with the same name the first counts.
+    /// [main]
+    static MXMLTree Parse(std::string_view text, int mostParts = kMostParts);
+
+    /// A tree of its own that holds a copy of `element`. [main]
+    static MXMLTree CopyOf(const MXMLNode& element);
 
     MXMLNode Root() const;
     /// The tree as indented text with an XML declaration. [main]
