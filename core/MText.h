@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// Text helpers whose result never depends on the locale. Text is UTF-8; letters are compared and
-/// folded in ASCII only.
+/// Operations on text whose result never depends on the locale. Text is UTF-8; letters are compared
+/// and folded in ASCII only.
 namespace MText {
 
 /// A number at the start of a typed text and what follows it.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/tools/render/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tools/render/MAutomationFile.h"
 #include "tools/render/MPluginProcessor.h"
 #include "tools/render/MRenderFailure.h"

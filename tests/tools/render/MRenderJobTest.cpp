@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/TemporaryFolder.h"
 #include "tests/tools/render/ProbeProcessor.h"
 #include "tests/tools/render/RenderFiles.h"
-#include "tests/tools/render/TemporaryFolder.h"
 #include "tools/render/MPluginProcessor.h"
 #include "tools/render/MRenderFailure.h"
 #include "tools/render/MRenderJob.h"

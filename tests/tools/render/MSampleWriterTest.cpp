@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/TemporaryFolder.h"
 #include "tests/tools/render/RenderFiles.h"
-#include "tests/tools/render/TemporaryFolder.h"
 #include "tools/render/MSampleWriter.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "core/MFiles.h"
+
+#include "core/MException.h"
+#include "core/MFormat.h"
+
+#include <fstream>
+#include <system_error>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+namespace fs = std::filesystem;
+
+namespace {
+
+[[noreturn]] void Fail(std::string_view format, const fs::path& file) {
+    throw MException(MFormat(format, MFiles::ToText(file)));
+}
+
+constexpr std::string_view kNotWritten = "\"{0}\" cannot be written.";
+
+#ifdef _WIN32
+
+void WriteThrough(const fs::path& file, std::string_view content) {
+    HANDLE const handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) Fail(kNotWritten, file);
+    DWORD written = 0;
+    const bool done = WriteFile(handle, content.data(), static_cast<DWORD>(content.size()),
+                                &written, nullptr) != 0 &&
+                      written == content.size() && FlushFileBuffers(handle) != 0;
+    CloseHandle(handle);
+    if (!done) Fail(kNotWritten, file);
+}
+
+void MoveOver(const fs::path& from, const fs::path& to) {
+    // Someone may be reading it, a virus scanner for one: that takes milliseconds.
+    constexpr int kTries = 50;
+    for (int i = 0; i < kTries; ++i) {
+        if (MoveFileExW(from.c_str(), to.c_str(),
+                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0) {
+            return;
+        }
+        Sleep(10);
+    }
+    Fail(kNotWritten, to);
+}
+
+#else
+
+void WriteThrough(const fs::path& file, std::string_view content) {
+    const int handle = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (handle < 0) Fail(kNotWritten, file);
+    bool done = true;
+    while (done && !content.empty()) {
+        const ssize_t written = write(handle, content.data(), content.size());
+        if (written > 0) content.remove_prefix(static_cast<std::size_t>(written));
+        done = written > 0 || (written < 0 && errno == EINTR);
+    }
+    // A rename that outruns the data would leave an empty file after a power cut.
+    done = done && fsync(handle) == 0;
+    done = close(handle) == 0 && done;
+    if (!done) Fail(kNotWritten, file);
+}
+
+void MoveOver(const fs::path& from, const fs::path& to) {
+    std::error_code error;
+    fs::rename(from, to, error);
+    if (error) Fail(kNotWritten, to);
+}
+
+#endif
+
+}  // namespace
+
+std::string MFiles::ToText(const fs::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
+fs::path MFiles::FromText(std::string_view text) { return std::u8string(text.begin(), text.end()); }
+
+std::optional<std::string> MFiles::Read(const fs::path& file, std::size_t largest) {
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (status.type() == fs::file_type::not_found) return std::nullopt;
+    if (status.type() != fs::file_type::regular) Fail("\"{0}\" cannot be read.", file);
+    std::ifstream stream(file, std::ios::binary);
+    std::string content;
+    char block[65536];
+    while (stream.read(block, sizeof block), stream.gcount() > 0) {
+        content.append(block, static_cast<std::size_t>(stream.gcount()));
+        if (content.size() > largest) Fail("\"{0}\" is too large.", file);
+    }
+    if (!stream.eof() || stream.bad()) Fail("\"{0}\" cannot be read.", file);
+    return content;
+}
+
+void MFiles::Replace(const fs::path& file, std::string_view content) {
+    std::error_code error;
+    fs::create_directories(file.parent_path(), error);
+    if (error) Fail(kNotWritten, file);
+    // The file a link leads to is what the user keeps elsewhere; the link itself stays.
+    fs::path target = fs::canonical(file, error);
+    if (error) target = file;
+    fs::path temporary = target;
+    temporary += ".tmp";
+    try {
+        WriteThrough(temporary, content);
+        MoveOver(temporary, target);
+    } catch (...) {
+        fs::remove(temporary, error);
+        throw;
+    }
+}
+
+fs::path MFiles::SetAside(const fs::path& file) {
+    fs::path aside = fs::path(file) += ".damaged";
+    std::error_code error;
+    for (int i = 2; fs::exists(aside, error); ++i) {
+        aside = fs::path(file) += MFormat(".damaged-{0}", i);
+    }
+    fs::rename(file, aside, error);
+    if (error) Fail("\"{0}\" cannot be renamed.", file);
+    return aside;
+}
+
+MFiles::Stamp MFiles::StampOf(const fs::path& file) noexcept {
+    std::error_code error;
+    Stamp stamp;
+    stamp.time = fs::last_write_time(file, error);
+    if (error) return {};
+    stamp.size = fs::file_size(file, error);
+    return error ? Stamp{} : stamp;
+}
