@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/MControlSmoother.h"
+
+#include <algorithm>
+#include <cmath>
+
+double MControlSmoother::Advance(double target, int count, int sampleRate,
+                                 double seconds) noexcept {
+    // Closer than this no control changes, and the way's remainder would become denormal.
+    constexpr double kArrived = 1e-12;
+    if (!std::isfinite(target)) return value_;
+    const double constants = std::max(0, count) / (seconds * std::max(1, sampleRate));
+    if (!(seconds > 0) || std::abs(value_ - target) < kArrived) {
+        value_ = target;
+    } else {
+        if (constants != constants_) {
+            constants_ = constants;
+            remainder_ = std::exp(-constants);
+        }
+        value_ = target + (value_ - target) * remainder_;
+    }
+    return value_;
+}
