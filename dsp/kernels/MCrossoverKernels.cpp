@@ -255,14 +255,29 @@ inline Floats Rights(Floats first, Floats second) noexcept {
 #endif
 }
 
-/// The gain of the interleaved frames from `frame` on: each stands in two lanes.
-inline Doubles FrameGains(const MLinearRamp& gain, int frame) noexcept {
+/// The numbers of kWidth frames, in the order in which Doubled and DoubledNext take them apart.
+inline Doubles FrameNumbers() noexcept {
 #ifdef M_KERNEL_v3
-    constexpr Doubles kFrames = {0, 0, 1, 1};
+    return Doubles{0, 2, 1, 3};
 #else
-    constexpr Doubles kFrames = {0, 0};
+    return Doubles{0, 1};
 #endif
-    return gain.start + (static_cast<double>(frame) + kFrames) * gain.step;
+}
+/// The gains of the frames in the first register of kWidth frames, and of those in the second; each
+/// stands in two lanes.
+inline Doubles Doubled(Doubles gains) noexcept {
+#ifdef M_KERNEL_v3
+    return __builtin_shufflevector(gains, gains, 0, 0, 2, 2);
+#else
+    return __builtin_shufflevector(gains, gains, 0, 0);
+#endif
+}
+inline Doubles DoubledNext(Doubles gains) noexcept {
+#ifdef M_KERNEL_v3
+    return __builtin_shufflevector(gains, gains, 1, 1, 3, 3);
+#else
+    return __builtin_shufflevector(gains, gains, 1, 1);
+#endif
 }
 
 template <bool isStill>
@@ -270,12 +285,14 @@ void SeparateScaledAs(const double* frames, const MLinearRamp& gain, float* left
                       int count) noexcept {
     const MLinearRamp ramp = gain;
     const Doubles still = ramp.start - Doubles{};
+    Doubles number = FrameNumbers();
     int i = 0;
-    for (; i + kWidth <= count; i += kWidth) {
+    for (; i + kWidth <= count; i += kWidth, number += static_cast<double>(kWidth)) {
         const Doubles first = Load<Doubles>(FrameAt(frames, i));
         const Doubles second = Load<Doubles>(FrameAt(frames, i) + kWidth);
-        const Floats a = Narrow(first * (isStill ? still : FrameGains(ramp, i)));
-        const Floats b = Narrow(second * (isStill ? still : FrameGains(ramp, i + kWidth / 2)));
+        const Doubles gains = isStill ? still : ramp.start + number * ramp.step;
+        const Floats a = Narrow(first * (isStill ? still : Doubled(gains)));
+        const Floats b = Narrow(second * (isStill ? still : DoubledNext(gains)));
         Store(left + i, Lefts(a, b));
         Store(right + i, Rights(a, b));
     }

@@ -10,10 +10,16 @@ namespace {
 // Two channels of a recursion always go side by side, whatever the width of the build.
 using Pair = double __attribute__((vector_size(16)));
 
-/// The value of `ramp` for the lanes from sample `index` on.
+/// The value of `ramp` at sample `number`.
 template <class D>
-inline D At(const MLinearRamp& ramp, int index) noexcept {
-    return ramp.start + (static_cast<double>(index) + Lanes<D>::Iota()) * ramp.step;
+inline D At(const MLinearRamp& ramp, D number) noexcept {
+    return ramp.start + number * ramp.step;
+}
+
+/// The samples of the ramps that `lanes` of a piece are.
+template <class L>
+inline auto NumberIn(const MLoopRamps& ramps, L lanes) noexcept {
+    return lanes.number + static_cast<double>(ramps.first);
 }
 
 inline bool IsStill(const MLinearRamp& ramp) noexcept { return ramp.step == 0.0; }
@@ -21,8 +27,7 @@ inline bool IsStill(const MLinearRamp& ramp) noexcept { return ramp.step == 0.0;
 template <class D>
 inline D Limit(D value, double limit) noexcept {
     const D high = Lanes<D>::Splat(limit);
-    value = value > high ? high : value;
-    return value < -high ? -high : value;
+    return Larger(-high, Smaller(high, value));
 }
 
 void CopyClean(const float* in, float* out, float ceiling, int count) {
@@ -45,12 +50,12 @@ inline D Mixed(D input, D echo, D feedback) noexcept {
 template <MLoopMix mix, bool isStill>
 void ExchangeAs(const MLoopRamps& ramps, const float* input, float* line, float* echo,
                 float ceiling, int count) {
-    const MLinearRamp ramp = ramps.feedback;
-    ForEach(count, [=, first = ramps.first](int i, auto lanes) {
+    ForEach(count, [=](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
         const auto read = Load<typename decltype(lanes)::Narrow>(line + i);
         Store(echo + i, read);
-        const D feedback = isStill ? lanes.Splat(ramp.start) : At<D>(ramp, first + i);
+        const D feedback = isStill ? lanes.Splat(ramps.feedback.start)
+                                   : At<D>(ramps.feedback, NumberIn(ramps, lanes));
         const D loop = Mixed<mix, D>(lanes.LoadWide(input + i), lanes.Widen(read), feedback);
         Store(line + i, lanes.Narrowed(Limit<D>(loop, static_cast<double>(ceiling))));
     });
@@ -75,14 +80,18 @@ void Exchange(MLoopMix mix, const MLoopRamps& ramps, const float* input, float* 
     }
 }
 
-template <MLoopMix mix, bool adds>
-void ExchangeAndOutputAs(double feedback, double factor, const float* input, float* line,
-                         float* output, float ceiling, int count) {
-    ForEach(count, [=](int i, auto lanes) {
+template <MLoopMix mix, bool adds, bool isStill>
+void ExchangeAndOutputAs(const MPlainLoop& given, const float* input, float* line, float* output,
+                         float ceiling, int count) {
+    ForEach(count, [=, ramps = given](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
+        const auto at = [&](const MLinearRamp& ramp) {
+            const D number = lanes.number + static_cast<double>(ramps.first);
+            return isStill ? lanes.Splat(ramp.start) : At<D>(ramp, number);
+        };
         const D echo = lanes.LoadWide(line + i);
-        const D loop = Mixed<mix, D>(lanes.LoadWide(input + i), echo, lanes.Splat(feedback));
-        const D heard = factor * echo;
+        const D loop = Mixed<mix, D>(lanes.LoadWide(input + i), echo, at(ramps.feedback));
+        const D heard = at(ramps.factor) * echo;
         if constexpr (adds) {
             AddTo(lanes, output + i, heard);
         } else {
@@ -92,14 +101,21 @@ void ExchangeAndOutputAs(double feedback, double factor, const float* input, flo
     });
 }
 
-void ExchangeAndOutput(const MStillLoop& loop, const float* input, float* line, float* output,
+template <MLoopMix mix, bool adds>
+auto PickExchangeAndOutput(const MPlainLoop& loop) {
+    return IsStill(loop.feedback) && IsStill(loop.factor) ? ExchangeAndOutputAs<mix, adds, true>
+                                                          : ExchangeAndOutputAs<mix, adds, false>;
+}
+
+void ExchangeAndOutput(const MPlainLoop& loop, const float* input, float* line, float* output,
                        float ceiling, int count) {
     const bool isClassic = loop.mix == MLoopMix::Classic;
-    const auto run = isClassic ? (loop.adds ? ExchangeAndOutputAs<MLoopMix::Classic, true>
-                                            : ExchangeAndOutputAs<MLoopMix::Classic, false>)
-                               : (loop.adds ? ExchangeAndOutputAs<MLoopMix::Default, true>
-                                            : ExchangeAndOutputAs<MLoopMix::Default, false>);
-    run(loop.feedback, loop.factor, input, line, output, ceiling, count);
+    const auto run = isClassic
+                         ? (loop.adds ? PickExchangeAndOutput<MLoopMix::Classic, true>(loop)
+                                      : PickExchangeAndOutput<MLoopMix::Classic, false>(loop))
+                         : (loop.adds ? PickExchangeAndOutput<MLoopMix::Default, true>(loop)
+                                      : PickExchangeAndOutput<MLoopMix::Default, false>(loop));
+    run(loop, input, line, output, ceiling, count);
 }
 
 template <MLoopMix mix>
@@ -108,7 +124,7 @@ void MixLoopAs(const MLoopRamps& ramps, const float* input, const float* echo, d
     ForEach(count, [=, &ramps](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
         Store(loop + i, Mixed<mix, D>(lanes.LoadWide(input + i), lanes.LoadWide(echo + i),
-                                      At<D>(ramps.feedback, ramps.first + i)));
+                                      At<D>(ramps.feedback, NumberIn(ramps, lanes))));
     });
 }
 
@@ -129,16 +145,15 @@ struct PanFactors {
 
     PanFactors(D gain, D panorama) noexcept {
         const D none = D{};
-        const D towardsRight = panorama > none ? panorama : none;
-        const D towardsLeft = panorama < none ? -panorama : none;
+        const D towardsRight = Larger(panorama, none), towardsLeft = Larger(-panorama, none);
         const D doubled = 2.0 * gain;
         leftToLeft = doubled * (1.0 - towardsRight);
         leftToRight = doubled * towardsRight;
         rightToRight = doubled * (1.0 - towardsLeft);
         rightToLeft = doubled * towardsLeft;
     }
-    PanFactors(const MLoopRamps& ramps, int i) noexcept
-        : PanFactors(At<D>(ramps.gain, ramps.first + i), At<D>(ramps.panorama, ramps.first + i)) {}
+    PanFactors(const MLoopRamps& ramps, D number) noexcept
+        : PanFactors(At<D>(ramps.gain, number), At<D>(ramps.panorama, number)) {}
 
     D Left(D left, D right) const noexcept { return leftToLeft * left + rightToLeft * right; }
     D Right(D left, D right) const noexcept { return rightToRight * right + leftToRight * left; }
@@ -150,11 +165,50 @@ void MixPingPong(const MLoopRamps& ramps, const float* const input[2], const flo
         using D = typename decltype(lanes)::Type;
         const D left = lanes.LoadWide(input[0] + i);
         const D right = lanes.LoadWide(input[1] + i);
-        const PanFactors<D> pan(ramps, i);
-        const D feedback = At<D>(ramps.feedback, ramps.first + i);
+        const D number = NumberIn(ramps, lanes);
+        const PanFactors<D> pan(ramps, number);
+        const D feedback = At<D>(ramps.feedback, number);
         Store(loop[0] + i, pan.Left(left, right) + feedback * lanes.LoadWide(echo[1] + i));
         Store(loop[1] + i, pan.Right(left, right) + feedback * lanes.LoadWide(echo[0] + i));
     });
+}
+
+template <MLoopMix mix, bool adds>
+void ExchangePannedAs(const MLoopRamps& given, const float* const input[2], float* const line[2],
+                      float* const output[2], float ceiling, int count) {
+    const auto put = [](auto lanes, float* to, auto sum) {
+        if constexpr (adds) {
+            AddTo(lanes, to, sum);
+        } else {
+            Store(to, lanes.Narrowed(0.0 + sum));  // no negative zero, as if it had been added
+        }
+    };
+    ForEach(count,
+            [=, ramps = given, leftIn = input[0], rightIn = input[1], leftLine = line[0],
+             rightLine = line[1], leftOut = output[0], rightOut = output[1]](int i, auto lanes) {
+                using D = typename decltype(lanes)::Type;
+                const double limit = static_cast<double>(ceiling);
+                const D number = NumberIn(ramps, lanes);
+                const D feedback = At<D>(ramps.feedback, number);
+                const D left = lanes.LoadWide(leftLine + i), right = lanes.LoadWide(rightLine + i);
+                const D leftLoop = Mixed<mix, D>(lanes.LoadWide(leftIn + i), left, feedback);
+                const D rightLoop = Mixed<mix, D>(lanes.LoadWide(rightIn + i), right, feedback);
+                Store(leftLine + i, lanes.Narrowed(Limit<D>(leftLoop, limit)));
+                Store(rightLine + i, lanes.Narrowed(Limit<D>(rightLoop, limit)));
+                const PanFactors<D> pan(ramps, number);
+                put(lanes, leftOut + i, pan.Left(left, right));
+                put(lanes, rightOut + i, pan.Right(left, right));
+            });
+}
+
+void ExchangePanned(const MPannedLoop& loop, const float* const input[2], float* const line[2],
+                    float* const output[2], float ceiling, int count) {
+    const bool isClassic = loop.mix == MLoopMix::Classic;
+    const auto run = isClassic ? (loop.adds ? ExchangePannedAs<MLoopMix::Classic, true>
+                                            : ExchangePannedAs<MLoopMix::Classic, false>)
+                               : (loop.adds ? ExchangePannedAs<MLoopMix::Default, true>
+                                            : ExchangePannedAs<MLoopMix::Default, false>);
+    run(loop.ramps, input, line, output, ceiling, count);
 }
 
 /// One section on two channels; a single channel leaves the second lane silent.
@@ -308,7 +362,7 @@ void AddPanned(const MLoopRamps& ramps, const float* const echo[2], float* const
         using D = typename decltype(lanes)::Type;
         const D left = lanes.LoadWide(echo[0] + i);
         const D right = lanes.LoadWide(echo[1] + i);
-        const PanFactors<D> pan(ramps, i);
+        const PanFactors<D> pan(ramps, NumberIn(ramps, lanes));
         AddTo(lanes, output[0] + i, pan.Left(left, right));
         AddTo(lanes, output[1] + i, pan.Right(left, right));
     });
@@ -317,7 +371,8 @@ void AddPanned(const MLoopRamps& ramps, const float* const echo[2], float* const
 void AddScaled(const MLoopRamps& ramps, const float* echo, float* output, int count) {
     ForEach(count, [=, &ramps](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
-        AddTo(lanes, output + i, lanes.LoadWide(echo + i) * At<D>(ramps.gain, ramps.first + i));
+        AddTo(lanes, output + i,
+              lanes.LoadWide(echo + i) * At<D>(ramps.gain, NumberIn(ramps, lanes)));
     });
 }
 
@@ -328,50 +383,76 @@ void Add(const float* echo, float* output, int count) {
     });
 }
 
-/// Where sample `i` of the stretched line falls in the old one.
-inline double Place(int i, double ratio) noexcept { return static_cast<double>(i) * ratio; }
-
-inline void ResampleOne(const float* from, int length, float* to, int i, double ratio) noexcept {
-    const double place = Place(i, ratio);
-    int j = static_cast<int>(place);
-    // Rounding may carry the last places past the end.
-    if (j > length - 2) j = length - 2;
-    const double f = place - j;
-    to[i] = static_cast<float>((1.0 - f) * static_cast<double>(from[j]) +
-                               f * static_cast<double>(from[j + 1]));
+/// Where the lanes from sample `i` on are read.
+template <class D>
+inline D PlaceOf(const MStretch& s, int i) noexcept {
+    return s.offset + (static_cast<double>(s.step + i) + Lanes<D>::Iota()) * s.rate;
 }
 
-/// The first sample after `i` that is not read from the same distance `offset` as `i`, at most
-/// `newLength`.
-inline int RunEnd(int i, int offset, double ratio, int newLength) noexcept {
-    const double drift = ratio - 1.0;
-    // An estimate that is never too late, give or take the roundings of the places themselves.
-    const double bound = drift > 0 ? (offset + 1) / drift : offset / drift;
-    int end = bound < newLength ? static_cast<int>(bound) - 1 : newLength;
-    if (end < i + 1) end = i + 1;
-    return end;
+inline int WholePlace(const MStretch& s, int i) noexcept {
+    return static_cast<int>(PlaceOf<double>(s, i));
 }
 
-void Resample(const float* from, int length, float* to, int newLength) {
-    const double ratio = static_cast<double>(length - 1) / static_cast<double>(newLength - 1);
-    // A small change reads long runs from the same distance, which vectorises.
-    const bool hasRuns = ratio > 0.97 && ratio < 1.03 && length != newLength;
-    // The last places are left to the careful loop.
-    const int last = newLength - 2 * kWidth;
-    int i = 0;
-    while (hasRuns && i < last) {
-        const int offset = static_cast<int>(Place(i, ratio)) - i;
-        const int end = RunEnd(i, offset, ratio, last);
-        for (; i + kWidth <= end; i += kWidth) {
-            const Doubles index = static_cast<double>(i) + Lanes<Doubles>::Iota();
-            const Doubles f = index * ratio - (index + static_cast<double>(offset));
-            const float* source = from + i + offset;
-            Store(to + i, Narrow((1.0 - f) * LoadWide(source) + f * LoadWide(source + 1)));
-        }
-        const int stop = end > i ? end : i + 1;
-        for (; i < stop; ++i) ResampleOne(from, length, to, i, ratio);
+/// Whole vectors of neighbours: samples whose places are all equally many whole samples ahead.
+inline int StretchRun(const MStretch& s, const float* from, float* to, int i, int end) noexcept {
+    const int ahead = WholePlace(s, i) - i;
+    const float* const source = from + (ahead - s.skipped);
+    for (; i + kWidth <= end; i += kWidth) {
+        const Doubles whole = static_cast<double>(i + ahead) + Lanes<Doubles>::Iota();
+        const Doubles f = PlaceOf<Doubles>(s, i) - whole;
+        Store(to + i, Narrow((1.0 - f) * LoadWide(source + i) + f * LoadWide(source + i + 1)));
     }
-    for (; i < newLength; ++i) ResampleOne(from, length, to, i, ratio);
+    return i;
+}
+
+/// Vectors put together sample by sample, then the odd ones.
+inline void StretchScattered(const MStretch& s, const float* from, float* to, int i,
+                             int end) noexcept {
+    for (; i + kWidth <= end; i += kWidth) {
+        const Doubles place = PlaceOf<Doubles>(s, i);
+        Doubles whole{};
+        Floats before{}, after{};
+        for (int lane = 0; lane < kWidth; ++lane) {
+            const int j = static_cast<int>(place[lane]);
+            whole[lane] = j;
+            before[lane] = from[j - s.skipped];
+            after[lane] = from[j - s.skipped + 1];
+        }
+        const Doubles f = place - whole;
+        Store(to + i, Narrow((1.0 - f) * Widen(before) + f * Widen(after)));
+    }
+    for (; i < end; ++i) {
+        const double place = PlaceOf<double>(s, i);
+        const int j = static_cast<int>(place);
+        const double f = place - j;
+        to[i] = static_cast<float>((1.0 - f) * static_cast<double>(from[j - s.skipped]) +
+                                   f * static_cast<double>(from[j - s.skipped + 1]));
+    }
+}
+
+/// The end of the samples from `i` on that are as many whole samples ahead as `i` is.
+inline int RunEnd(const MStretch& s, int i, int count) noexcept {
+    const int ahead = WholePlace(s, i) - i;
+    int inside = i, outside = count;
+    if (WholePlace(s, count - 1) - (count - 1) == ahead) return count;
+    while (outside - inside > 1) {
+        const int middle = inside + (outside - inside) / 2;
+        (WholePlace(s, middle) - middle == ahead ? inside : outside) = middle;
+    }
+    return outside;
+}
+
+void Stretch(const MStretch& stretch, const float* from, float* to, int count) {
+    // Near the original speed there is a slip of one sample only now and then.
+    const bool hasRuns = stretch.rate > 0.97 && stretch.rate < 1.03;
+    int i = 0;
+    while (hasRuns && i < count) {
+        const int end = RunEnd(stretch, i, count);
+        i = StretchRun(stretch, from, to, i, end);
+        StretchScattered(stretch, from, to, i, end);
+        i = end;
+    }
+    StretchScattered(stretch, from, to, i, count);
 }
 
 }  // namespace
@@ -381,6 +462,7 @@ const MDelayKernels kDelayKernels = {
     .copyClean = CopyClean,
     .exchange = Exchange,
     .exchangeAndOutput = ExchangeAndOutput,
+    .exchangePanned = ExchangePanned,
     .mixLoop = MixLoop,
     .mixPingPong = MixPingPong,
     .filterLoop = FilterLoop,
@@ -391,7 +473,7 @@ const MDelayKernels kDelayKernels = {
     .addPanned = AddPanned,
     .addScaled = AddScaled,
     .add = Add,
-    .resample = Resample,
+    .stretch = Stretch,
 };
 
 }  // namespace M_KERNEL_NAMESPACE

@@ -24,11 +24,20 @@ struct MLoopRamps {
     int first = 0;
 };
 
-/// A loop whose numbers do not move.
-struct MStillLoop {
+/// A loop of a stereo tap whose echoes go to the output by the pan law.
+struct MPannedLoop {
     MLoopMix mix = MLoopMix::Classic;
-    double feedback = 0;
-    double factor = 0;  ///< from echo to output
+    MLoopRamps ramps;
+    bool adds = false;  ///< to what the outputs hold already
+};
+
+/// A loop whose echoes go straight to the output, sample i of a call being sample `first` + i of
+/// the ramps.
+struct MPlainLoop {
+    MLoopMix mix = MLoopMix::Classic;
+    MLinearRamp feedback;
+    MLinearRamp factor;  ///< from echo to output
+    int first = 0;
     bool adds = false;  ///< to what the output holds already
 };
 
@@ -50,6 +59,15 @@ struct MSaturationSettings {
     double amount = 0;
 };
 
+/// Places that lie evenly: sample i is read at offset + (step + i) * rate. What is read begins with
+/// the sample at place `skipped`; no place is below it.
+struct MStretch {
+    double offset = 0;
+    double rate = 1;
+    int step = 0;
+    int skipped = 0;
+};
+
 struct MDelayKernels {
     /// out = in, a number that is not finite taken as 0 and the rest limited to +-`ceiling`.
     void (*copyClean)(const float* in, float* out, float ceiling, int count);
@@ -58,10 +76,14 @@ struct MDelayKernels {
     /// in their place.
     void (*exchange)(MLoopMix mix, const MLoopRamps& ramps, const float* input, float* line,
                      float* echo, float ceiling, int count);
-    /// The same for numbers that do not move, with the echoes' way to the output in the same pass:
-    /// output = factor * echo, or output += factor * echo. The usual case of a tap in the middle.
-    void (*exchangeAndOutput)(const MStillLoop& loop, const float* input, float* line,
+    /// The same with the echoes' way to the output in the same pass: output = factor * echo, or
+    /// output += factor * echo. The usual case of a tap in the middle.
+    void (*exchangeAndOutput)(const MPlainLoop& loop, const float* input, float* line,
                               float* output, float ceiling, int count);
+    /// The same for both sides, with the echoes' way to the outputs by the pan law in the same
+    /// pass; the ramps may move.
+    void (*exchangePanned)(const MPannedLoop& loop, const float* const input[2],
+                           float* const line[2], float* const output[2], float ceiling, int count);
     /// loop = the mix of input and echo.
     void (*mixLoop)(MLoopMix mix, const MLoopRamps& ramps, const float* input, const float* echo,
                     double* loop, int count);
@@ -90,7 +112,7 @@ struct MDelayKernels {
     /// output += echo.
     void (*add)(const float* echo, float* output, int count);
 
-    /// Stretches `length` samples over `newLength` by linear interpolation, the ends on the ends.
-    /// Both at least 2; the areas must not overlap.
-    void (*resample)(const float* from, int length, float* to, int newLength);
+    /// Reads `count` samples at the places of `stretch`, interpolated linearly; `to` must not
+    /// overlap what is read.
+    void (*stretch)(const MStretch& stretch, const float* from, float* to, int count);
 };

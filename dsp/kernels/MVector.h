@@ -49,10 +49,35 @@ inline Doubles Widen(Floats floats) noexcept {
     return __builtin_convertvector(floats, Doubles);
 #endif
 }
-inline Floats Narrow(Doubles doubles) noexcept { return __builtin_convertvector(doubles, Floats); }
+inline Floats Narrow(Doubles doubles) noexcept {
+#ifdef M_KERNEL_v3
+    return _mm256_cvtpd_ps(doubles);
+#else
+    return __builtin_convertvector(doubles, Floats);
+#endif
+}
 inline Doubles LoadWide(const float* from) noexcept { return Widen(Load<Floats>(from)); }
 
+// The larger and the smaller of two: `a` only where it is strictly so. One instruction, where
+// g++ 12 makes two or three of the comparison.
+#ifdef M_KERNEL_v3
+inline Doubles Larger(Doubles a, Doubles b) noexcept { return _mm256_max_pd(a, b); }
+inline Doubles Smaller(Doubles a, Doubles b) noexcept { return _mm256_min_pd(a, b); }
+inline WideFloats Larger(WideFloats a, WideFloats b) noexcept { return _mm256_max_ps(a, b); }
+inline WideFloats Smaller(WideFloats a, WideFloats b) noexcept { return _mm256_min_ps(a, b); }
+#else
+inline Doubles Larger(Doubles a, Doubles b) noexcept { return _mm_max_pd(a, b); }
+inline Doubles Smaller(Doubles a, Doubles b) noexcept { return _mm_min_pd(a, b); }
+inline WideFloats Larger(WideFloats a, WideFloats b) noexcept { return _mm_max_ps(a, b); }
+inline WideFloats Smaller(WideFloats a, WideFloats b) noexcept { return _mm_min_ps(a, b); }
+#endif
+inline double Larger(double a, double b) noexcept { return a > b ? a : b; }
+inline double Smaller(double a, double b) noexcept { return a < b ? a : b; }
+inline float Larger(float a, float b) noexcept { return a > b ? a : b; }
+inline float Smaller(float a, float b) noexcept { return a < b ? a : b; }
+
 /// What a loop body needs to know to be written once for a vector and for the odd sample after it.
+/// `number` is that of the lanes' samples: loops that count in doubles convert nothing.
 template <class D>
 struct Lanes;
 
@@ -60,6 +85,7 @@ template <>
 struct Lanes<Doubles> {
     using Type = Doubles;
     using Narrow = Floats;
+    Doubles number{};
     static Doubles Splat(double number) noexcept { return number - Doubles{}; }
     /// The lanes' numbers 0, 1, 2, ...
     static Doubles Iota() noexcept {
@@ -80,6 +106,7 @@ template <>
 struct Lanes<double> {
     using Type = double;
     using Narrow = float;
+    double number = 0;
     static double Splat(double number) noexcept { return number; }
     static double Iota() noexcept { return 0; }
     static double Widen(float number) noexcept { return static_cast<double>(number); }
@@ -91,12 +118,14 @@ template <>
 struct Lanes<WideFloats> {
     using Type = WideFloats;
     using Bits = WideBits;
+    Doubles number{};  // of the lower half
 };
 
 template <>
 struct Lanes<float> {
     using Type = float;
     using Bits = std::int32_t;
+    double number = 0;
 };
 
 /// `x` with 0 in place of what is not finite, and the rest limited to +-`ceiling`.
@@ -108,25 +137,30 @@ inline F Cleaned(F x, float ceiling) noexcept {
     const F zero = F{};
     x = (bits & kExponent) == kExponent ? zero : x;
     const F high = zero + ceiling;
-    x = x > high ? high : x;
-    return x < -high ? -high : x;
+    return Larger(-high, Smaller(high, x));
 }
 
 /// Calls `body`(index, lanes) for 0..count-1: in whole vectors of doubles, then one by one.
 template <class Body>
 inline void ForEach(int count, Body body) noexcept {
     int i = 0;
+    Doubles number = Lanes<Doubles>::Iota();
 #pragma GCC unroll 2
-    for (; i + kWidth <= count; i += kWidth) body(i, Lanes<Doubles>{});
-    for (; i < count; ++i) body(i, Lanes<double>{});
+    for (; i + kWidth <= count; i += kWidth, number += static_cast<double>(kWidth)) {
+        body(i, Lanes<Doubles>{number});
+    }
+    for (; i < count; ++i) body(i, Lanes<double>{static_cast<double>(i)});
 }
 
 /// The same in whole vectors of floats.
 template <class Body>
 inline void ForEachFloat(int count, Body body) noexcept {
     int i = 0;
-    for (; i + kFloatWidth <= count; i += kFloatWidth) body(i, Lanes<WideFloats>{});
-    for (; i < count; ++i) body(i, Lanes<float>{});
+    Doubles number = Lanes<Doubles>::Iota();
+    for (; i + kFloatWidth <= count; i += kFloatWidth, number += static_cast<double>(kFloatWidth)) {
+        body(i, Lanes<WideFloats>{number});
+    }
+    for (; i < count; ++i) body(i, Lanes<float>{static_cast<double>(i)});
 }
 
 }  // namespace M_KERNEL_NAMESPACE

@@ -8,6 +8,7 @@
 #include "plugin/values/MValueTimeMS.h"
 #include "plugin/values/MValueVolume.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -111,6 +112,11 @@ double MDelayParameters::Number(int index) const noexcept {
     return record.Nearest(record.Effective());
 }
 
+MRetime MDelayParameters::Retime(int index) const noexcept {
+    return records_[static_cast<std::size_t>(index)].IsRedirected() ? MRetime::Movement
+                                                                    : MRetime::Anew;
+}
+
 MBlockRamp MDelayParameters::Ramp(int index) const noexcept {
     const ParameterDefinition& record = records_[static_cast<std::size_t>(index)];
     // Taken from a value that may have been written from outside the range, or be no number at all.
@@ -143,6 +149,9 @@ MDelayTapSettings MDelayParameters::ReadTap(int tap) const noexcept {
     settings.delay = Number(OfTap(tap, Delay));
     settings.leftOffset = Number(OfTap(tap, LeftOffset));
     settings.rightOffset = Number(OfTap(tap, RightOffset));
+    // A modulator moves its target in every piece of a block: a movement, not so many changes.
+    settings.retime = Retime(OfTap(tap, Delay));
+    settings.reoffset = std::max(Retime(OfTap(tap, LeftOffset)), Retime(OfTap(tap, RightOffset)));
     settings.mode = static_cast<MDelayMode>(static_cast<int>(Number(OfTap(tap, Mode))));
     settings.isFrozen = Number(OfTap(tap, Freeze)) > 0;
     settings.isSynchronised = Number(OfSync(tap, SyncPanel)) > 0;

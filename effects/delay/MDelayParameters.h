@@ -62,6 +62,7 @@ private:
     MDelayTapSettings ReadTap(int tap) const noexcept;
     double Number(int index) const noexcept;
     MBlockRamp Ramp(int index) const noexcept;
+    MRetime Retime(int index) const noexcept;
     ParameterDefinition& Tap(int tap, MDelayIndex::Tap record) noexcept {
         return (*this)[MDelayIndex::OfTap(tap, record)];
     }

@@ -56,7 +56,8 @@ void MDelayTap::Update(const MDelayTapSettings& settings, int sampleRate,
     const int room = RoomFor(kLongestDelay, sampleRate);
     scratch.Get(room);
     for (int channel = 0; channel < channels_; ++channel) lines_[channel].Reserve(room);
-    if (!settings.isSynchronised) SetLength(DelaySamples(settings, sampleRate), scratch);
+    if (!settings.isSynchronised)
+        SetLength(DelaySamples(settings, sampleRate), settings.retime, scratch);
     if (UsesPredelay()) SetPredelays(settings, sampleRate, scratch);
     isEnabled_ = true;
 }
@@ -68,14 +69,16 @@ void MDelayTap::FollowTempo(const MDelayTapSettings& settings, int sampleRate, d
             MTempoSync::PeriodSamples(settings.syncLength, settings.syncType, tempo, sampleRate);
         // Halved on purpose: a synchronised tap repeats twice per note.
         const int half = period / 2;
-        SetLength(half > 0 ? half : DelaySamples(settings, sampleRate), scratch);
+        SetLength(half > 0 ? half : DelaySamples(settings, sampleRate), settings.retime, scratch);
     } else if (lines_[0].Length() == 0) {
-        SetLength(DelaySamples(settings, sampleRate), scratch);
+        SetLength(DelaySamples(settings, sampleRate), settings.retime, scratch);
     }
 }
 
-void MDelayTap::SetLength(int samples, MGrowingBuffer<float>& scratch) {
-    for (int channel = 0; channel < channels_; ++channel) lines_[channel].Resize(samples, scratch);
+void MDelayTap::SetLength(int samples, MRetime how, MGrowingBuffer<float>& scratch) {
+    for (int channel = 0; channel < channels_; ++channel) {
+        lines_[channel].Resize(samples, scratch, how);
+    }
 }
 
 void MDelayTap::SetPredelays(const MDelayTapSettings& settings, int sampleRate,
@@ -83,8 +86,8 @@ void MDelayTap::SetPredelays(const MDelayTapSettings& settings, int sampleRate,
     const int left = RoundHalfUp(settings.leftOffset * sampleRate);
     const int right = RoundHalfUp(settings.rightOffset * sampleRate);
     for (MDelayLine& predelay : predelays_) predelay.Reserve(RoomFor(kLongestPredelay, sampleRate));
-    predelays_[0].Resize(left + std::max(-right, 0), scratch);
-    predelays_[1].Resize(right + std::max(-left, 0), scratch);
+    predelays_[0].Resize(left + std::max(-right, 0), scratch, settings.reoffset);
+    predelays_[1].Resize(right + std::max(-left, 0), scratch, settings.reoffset);
 }
 
 bool MDelayTap::IsSilent() const noexcept {

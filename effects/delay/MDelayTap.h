@@ -35,7 +35,7 @@ public:
     MDelayFilterStates& FilterStates() noexcept { return filterStates_; }
 
 private:
-    void SetLength(int samples, MGrowingBuffer<float>& scratch);
+    void SetLength(int samples, MRetime how, MGrowingBuffer<float>& scratch);
     void SetPredelays(const MDelayTapSettings& settings, int sampleRate,
                       MGrowingBuffer<float>& scratch);
 

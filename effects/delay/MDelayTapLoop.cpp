@@ -38,13 +38,23 @@ void MDelayTapLoop::RunChannels(Piece& piece, const float* const* inputs, float*
         for (int side = 0; side < piece.channels; ++side) {
             piece.count = std::min(piece.count, tap_.Line(piece.channel + side).Contiguous());
         }
+        for (int side = 0; side < piece.channels; ++side) {
+            piece.line[side] =
+                tap_.Line(piece.channel + side).Open(piece.count, piece.moving[side]);
+        }
         ramps_.first = piece.start;
         if (isPlain) {
             RunPlain(piece, inputs, outputs);
+        } else if (isStereo_ && IsDirect()) {
+            TakeInput(piece, inputs);
+            RunPanned(piece, outputs);
         } else {
             TakeInput(piece, inputs);
             RunLoop(piece);
             PassEchoesOn(piece, outputs);
+        }
+        for (int side = 0; side < piece.channels; ++side) {
+            tap_.Line(piece.channel + side).Close(piece.line[side], piece.count);
         }
     }
 }
@@ -64,24 +74,25 @@ bool MDelayTapLoop::IsDirect() const noexcept {
            surroundings_.saturation == nullptr && surroundings_.freeze == nullptr;
 }
 
-/// Whether echoes go straight round and straight out, by factors that do not move.
+/// Whether echoes go straight round and straight out.
 bool MDelayTapLoop::IsPlain() const noexcept {
     const bool isCentred = ramps_.panorama.start == 0 && ramps_.panorama.step == 0;
-    return IsDirect() && (isCentred || !isStereo_) && ramps_.gain.step == 0 &&
-           ramps_.feedback.step == 0;
+    return IsDirect() && (isCentred || !isStereo_);
 }
 
 void MDelayTapLoop::RunPlain(Piece& piece, const float* const* inputs,
                              float* const* outputs) noexcept {
-    const MStillLoop loop = {.mix = mix_,
-                             .feedback = ramps_.feedback.start,
-                             .factor = isStereo_ ? 2.0 * ramps_.gain.start : ramps_.gain.start,
-                             .adds = surroundings_.adds};
+    const double share = isStereo_ ? 2 : 1;
+    MPlainLoop loop = {.mix = mix_,
+                       .feedback = ramps_.feedback,
+                       .factor = {share * ramps_.gain.start, share * ramps_.gain.step},
+                       .adds = surroundings_.adds};
     for (int side = 0; side < piece.channels; ++side) {
         const float* input = inputs[side] + piece.start;
         float* const output = outputs[side] + piece.start;
-        MDelayLine& line = tap_.Line(piece.channel + side);
+        float* const line = piece.line[side];
         int done = 0;
+        loop.first = piece.start;
         if (tap_.UsesPredelay()) {
             MDelayLine& predelay = tap_.Predelay(side);
             // Behind a predelay of one sample, the usual one, all but a few samples are read where
@@ -91,8 +102,8 @@ void MDelayTapLoop::RunPlain(Piece& piece, const float* const* inputs,
             const int moved = staysInPlace ? kHead : piece.count;
             predelay.Exchange(input, piece.delayed[side], moved);
             if (staysInPlace) {
-                surroundings_.kernels.exchangeAndOutput(loop, piece.delayed[side], line.Oldest(),
-                                                        output, kLoopCeiling, kHead);
+                surroundings_.kernels.exchangeAndOutput(loop, piece.delayed[side], line, output,
+                                                        kLoopCeiling, kHead);
                 done = kHead;
                 input -= 1;
                 predelay.Exchange(input[piece.count]);
@@ -100,10 +111,16 @@ void MDelayTapLoop::RunPlain(Piece& piece, const float* const* inputs,
                 input = piece.delayed[side];
             }
         }
-        surroundings_.kernels.exchangeAndOutput(loop, input + done, line.Oldest() + done,
-                                                output + done, kLoopCeiling, piece.count - done);
-        line.Advance(piece.count);
+        loop.first = piece.start + done;
+        surroundings_.kernels.exchangeAndOutput(loop, input + done, line + done, output + done,
+                                                kLoopCeiling, piece.count - done);
     }
+}
+
+void MDelayTapLoop::RunPanned(Piece& piece, float* const* outputs) noexcept {
+    float* const output[2] = {outputs[0] + piece.start, outputs[1] + piece.start};
+    surroundings_.kernels.exchangePanned({mix_, ramps_, surroundings_.adds}, piece.input,
+                                         piece.line, output, kLoopCeiling, piece.count);
 }
 
 void MDelayTapLoop::RunLoop(Piece& piece) noexcept {
@@ -111,21 +128,19 @@ void MDelayTapLoop::RunLoop(Piece& piece) noexcept {
     const bool isDirect = IsDirect();
     if (!isDirect) MixLoop(piece);
     for (int side = 0; side < piece.channels; ++side) {
-        MDelayLine& line = tap_.Line(piece.channel + side);
         if (isDirect) {
-            kernels.exchange(mix_, ramps_, piece.input[side], line.Oldest(), piece.echo[side],
+            kernels.exchange(mix_, ramps_, piece.input[side], piece.line[side], piece.echo[side],
                              kLoopCeiling, piece.count);
         } else {
-            kernels.store(piece.loop[side], line.Oldest(), kLoopCeiling, piece.count);
+            kernels.store(piece.loop[side], piece.line[side], kLoopCeiling, piece.count);
         }
-        line.Advance(piece.count);
     }
 }
 
 void MDelayTapLoop::MixLoop(Piece& piece) noexcept {
     const MDelayKernels& kernels = surroundings_.kernels;
     for (int side = 0; side < piece.channels; ++side) {
-        std::copy_n(tap_.Line(piece.channel + side).Oldest(), piece.count, piece.echo[side]);
+        std::copy_n(piece.line[side], piece.count, piece.echo[side]);
     }
     double* const loop[2] = {piece.loop[0], piece.loop[1]};
     if (isPingPong_) {

@@ -41,6 +41,8 @@ private:
         int start;     // of the block
         int count;
         const float* input[2];
+        float* line[2];  // the samples that the piece reads and replaces
+        float moving[2][kPiece];
         float delayed[2][kPiece];
         float echo[2][kPiece];
         double loop[2][kPiece];
@@ -56,6 +58,7 @@ private:
     bool IsDirect() const noexcept;
     bool IsPlain() const noexcept;
     void RunPlain(Piece& piece, const float* const* inputs, float* const* outputs) noexcept;
+    void RunPanned(Piece& piece, float* const* outputs) noexcept;
 
     MDelayTap& tap_;
     const Surroundings surroundings_;

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 #include <random>
 #include <vector>
 
@@ -15,7 +17,7 @@ struct Line {
     MGrowingBuffer<float> scratch;
 
     explicit Line(int length) { Resize(length); }
-    void Resize(int length) { line.Resize(length, scratch); }
+    void Resize(int length, MRetime how = MRetime::Movement) { line.Resize(length, scratch, how); }
 
     /// What comes out while silence goes in: the content, oldest first.
     std::vector<float> Drain() {
@@ -32,6 +34,62 @@ std::vector<float> Noise(int count, std::mt19937::result_type seed) {
     for (float& sample : samples) sample = uniform(generator);
     return samples;
 }
+
+/// Samples and the places, in samples from the oldest, where they lie.
+class PlainLine {
+public:
+    explicit PlainLine(int length) { Fill(std::vector<float>(static_cast<std::size_t>(length))); }
+
+    float Exchange(float sample) {
+        const float oldest = At(read_);
+        values_.push_back(sample);
+        // Places move in blocks; a line of noise is too long to move it for every sample.
+        if (++read_ >= std::min(length_, 64)) Flush();
+        return oldest;
+    }
+
+    void Resize(int length) {
+        Flush();
+        if (length == length_) return;
+        if (sinceChange_ >= MDelayWarp::kMovement) {
+            std::vector<float> settled(static_cast<std::size_t>(length_));
+            for (int i = 0; i < length_; ++i) settled[i] = At(i);
+            Fill(settled);
+        }
+        for (double& place : places_) place *= (length - 1.0) / (length_ - 1.0);
+        length_ = length;
+        sinceChange_ = 0;
+    }
+
+private:
+    float At(double place) const {
+        const auto after = std::upper_bound(places_.begin() + 1, places_.end() - 1, place);
+        const auto i = static_cast<std::size_t>(after - places_.begin());
+        const double f = (place - places_[i - 1]) / (places_[i] - places_[i - 1]);
+        return static_cast<float>((1 - f) * static_cast<double>(values_[i - 1]) +
+                                  f * static_cast<double>(values_[i]));
+    }
+    void Fill(const std::vector<float>& values) {
+        values_ = values;
+        length_ = static_cast<int>(values.size());
+        places_.clear();
+        places_.reserve(values.size());
+        for (int i = 0; i < length_; ++i) places_.push_back(i);
+    }
+    void Flush() {
+        for (double& place : places_) place -= read_;
+        for (int i = 0; i < read_; ++i) places_.push_back(length_ - read_ + i);
+        sinceChange_ += read_;
+        const auto needed = std::upper_bound(places_.begin() + 1, places_.end(), -1e-9) - 1;
+        values_.erase(values_.begin(), values_.begin() + (needed - places_.begin()));
+        places_.erase(places_.begin(), needed);
+        read_ = 0;
+    }
+
+    std::vector<double> places_;
+    std::vector<float> values_;  // ahead of the places by the block under way
+    int length_ = 0, sinceChange_ = 0, read_ = 0;
+};
 
 int Between(std::mt19937& generator, int low, int high) {
     return std::uniform_int_distribution<int>(low, high)(generator);
@@ -57,28 +115,77 @@ TEST(MDelayLine, ExchangesBlocksAsIfOneByOne) {
     }
 }
 
-TEST(MDelayLine, InterpolatesBetweenTheTwoNearestOldSamples) {
+// Places may go through any number of stretches; values only do where a rest has settled them.
+TEST(MDelayLine, StretchesPlacesInAMovementAndValuesAfterARest) {
     std::mt19937 generator(2);
-    for (int round = 0; round < 400; ++round) {
-        const int from = Between(generator, 2, 300);
-        // Half of the changes are so small that neighbours are read from one distance for long.
-        const int to = round % 2 == 0 ? Between(generator, 2, 300)
-                                      : std::max(2, from + Between(generator, -6, 6));
-        Line delay(from);
-        const std::vector<float> old = Noise(from, generator());
-        for (const float sample : old) delay.line.Exchange(sample);
-        delay.Resize(to);
-        const std::vector<float> content = delay.Drain();
-        for (int i = 0; i < to; ++i) {
-            // In whole numbers, so that no rounding decides which neighbours are meant.
-            const int j = std::min(i * (from - 1) / (to - 1), from - 2);
-            const double f = static_cast<double>(i * (from - 1) - j * (to - 1)) / (to - 1);
-            const double expected =
-                (1 - f) * static_cast<double>(old[j]) + f * static_cast<double>(old[j + 1]);
-            ASSERT_NEAR(static_cast<double>(content[i]), expected, 1e-6)
-                << from << " to " << to << " at " << i;
+    for (int round = 0; round < 200; ++round) {
+        const bool isLong = round % 10 == 0;
+        const int longest = isLong ? 14'000 : Between(generator, 2, 300);
+        int length = Between(generator, 2, longest);
+        Line delay(length);
+        PlainLine plain(length);
+        for (int block = 0; block < 40; ++block) {
+            int rest = Between(generator, 1, longest);
+            // Long lines now and then rest while they are still being read.
+            if (isLong && block % 4 == 0) rest += MDelayWarp::kMovement;
+            const std::vector<float> in = Noise(rest, generator());
+            for (const float sample : in) {
+                ASSERT_NEAR(delay.line.Exchange(sample), plain.Exchange(sample), 2e-6)
+                    << "length " << length << ", round " << round << ", block " << block;
+            }
+            // Half of the changes are so small that neighbours are read from one distance for long.
+            length = block % 2 == 0 ? Between(generator, 2, longest)
+                                    : std::max(2, length + Between(generator, -6, 6));
+            delay.Resize(length);
+            plain.Resize(length);
+            if (block == 20) delay.line.Reserve(2 * longest);
         }
     }
+}
+
+TEST(MDelayLine, ReadsOnlyWhatWasWrittenWhateverItsLengths) {
+    std::mt19937 generator(3);
+    Line delay(100);
+    std::vector<float> in(40, 0.5f), out(40);
+    for (int i = 0; i < 100; ++i) delay.line.Exchange(0.5f);
+    for (int change = 0; change < 20'000; ++change) {
+        delay.Resize(Between(generator, 1, change < 10'000 ? 700 : 5000));
+        const int count = Between(generator, 0, 3) * Between(generator, 0, 13);
+        delay.line.Exchange(in.data(), out.data(), count);
+        for (int i = 0; i < count; ++i) ASSERT_FLOAT_EQ(out[i], 0.5f) << change;
+        ASSERT_FALSE(delay.line.IsBelow(0.5f));
+        ASSERT_TRUE(delay.line.IsBelow(0.5001f));
+    }
+}
+
+TEST(MDelayLine, KeepsItsTimesThroughMoreChangesThanItHasRoomFor) {
+    std::mt19937 generator(4);
+    Line delay(1000);
+    PlainLine plain(1000);
+    for (int i = 0; i < 12'000; ++i) {
+        if (i % 1200 < 500) {
+            const int length = Between(generator, 500, 1000);
+            delay.Resize(length);
+            plain.Resize(length);
+        }
+        // Of a rising line, interpolating once more only rounds the corners.
+        const auto sample = static_cast<float>(i);
+        ASSERT_NEAR(delay.line.Exchange(sample), plain.Exchange(sample), 3) << i;
+    }
+}
+
+TEST(MDelayLine, KeepsTheTrebleOfASoundWhileItsLengthKeepsMoving) {
+    constexpr int kLength = 24'000, kStep = 64;
+    constexpr double kOmega = 2 * std::numbers::pi * 5000 / 48000;
+    Line delay(kLength);
+    double power = 0;
+    for (int i = 0; i < 2 * kLength; ++i) {
+        if (i % kStep == 0) delay.Resize(kLength + i / kStep % 2);
+        const auto echo =
+            static_cast<double>(delay.line.Exchange(static_cast<float>(std::sin(kOmega * i))));
+        if (i > kLength) power += 2 * echo * echo / kLength;
+    }
+    EXPECT_GT(10 * std::log10(power), -0.5);  // decibels; one interpolation costs 0.47 at most
 }
 
 TEST(MDelayLine, KeepsTheNewestSampleAtLengthOneAndRepeatsItWhenGrowingAgain) {

@@ -92,9 +92,21 @@ void AddPanned(const MDelayKernels& kernels, Workbench& b, int count) {
 void ExchangeAndOutput(const MDelayKernels& kernels, Workbench& b, int count) {
     for (const MLoopMix mix : {MLoopMix::Classic, MLoopMix::Default}) {
         for (const bool adds : {false, true}) {
-            kernels.exchangeAndOutput({mix, 0.7, 1.1, adds}, b.Floats(0), b.Floats(1), b.Floats(2),
-                                      1.2f, count);
+            for (const double step : {0.0, 0.0021}) {
+                kernels.exchangeAndOutput({mix, {0.7, step}, {1.1, -step}, 3, adds}, b.Floats(0),
+                                          b.Floats(1), b.Floats(2), 1.2f, count);
+            }
         }
+    }
+}
+
+void ExchangePanned(const MDelayKernels& kernels, Workbench& b, int count) {
+    const float* const input[2] = {b.Floats(0), b.Floats(1)};
+    float* const line[2] = {b.Floats(2), b.Floats(3)};
+    float* const output[2] = {b.Floats(4), b.Floats(5)};
+    for (const MLoopMix mix : {MLoopMix::Classic, MLoopMix::Default}) {
+        kernels.exchangePanned({mix, kStill, false}, input, line, output, 1.2f, count);
+        kernels.exchangePanned({mix, kMoving, true}, input, line, output, 1.2f, count);
     }
 }
 
@@ -121,6 +133,7 @@ const Row kRows[] = {
          k.exchange(MLoopMix::Default, kStill, b.Floats(0), b.Floats(1), b.Floats(3), 1.2f, n);
      }},
     {"exchangeAndOutput", ExchangeAndOutput},
+    {"exchangePanned", ExchangePanned},
     {"mixLoop", Mix},
     {"mixPingPong", MixPingPong},
     {"filterLoop and filterInput", Filter},
@@ -137,10 +150,11 @@ const Row kRows[] = {
                      int n) { k.addScaled(kMoving, b.Floats(0), b.Floats(1), n); }},
     {"add",
      [](const MDelayKernels& k, Workbench& b, int n) { k.add(b.Floats(0), b.Floats(1), n); }},
-    {"resample",
+    {"stretch",
      [](const MDelayKernels& k, Workbench& b, int n) {
-         for (const int length : {2, n + 1, n + 3, 2 * n + 5})
-             k.resample(b.Floats(0), length, b.Floats(1), n + 2);
+         for (const double rate : {0.001, 0.4, 0.985, 1.0, 1.004, 1.9})
+             k.stretch({0.3 + n % 7, rate, n, static_cast<int>(n * rate)}, b.Floats(0), b.Floats(1),
+                       n);
      }},
 };
 
