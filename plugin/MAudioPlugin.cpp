@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/MAudioPlugin.h"
 
+#include "core/MXML.h"
+
 #include <utility>
 
 namespace {
@@ -31,6 +33,7 @@ int MAudioPlugin::GetLatency() const noexcept { return 0; }
 int MAudioPlugin::GetTailLength() const noexcept { return 0; }
 
 MAudioPluginEditor* MAudioPlugin::CreateEditor() { return nullptr; }
+bool MAudioPlugin::HasEditor() const noexcept { return false; }
 
 bool MAudioPlugin::SetSampleRate(int sampleRate) noexcept {
     if (sampleRate < 1 || sampleRate > kHighestSampleRate) return false;
@@ -62,12 +65,18 @@ void MAudioPlugin::ReportParameterChanges() {
     if (host_ != nullptr) host_->ReportParameterChanges();
 }
 
+void MAudioPlugin::Store(MXMLNode /*node*/, MArchive& /*archive*/) {}
+
+void MAudioPlugin::SetDefaults() {}
+
 void MAudioPlugin::SendHostAutomation(std::uint32_t identifier, double x) {
     if (host_ != nullptr) host_->SendParameterAutomation(identifier, x);
 }
 
 void MAudioPlugin::ParameterChanged(std::uint32_t /*identifier*/, double /*oldValue*/,
                                     double /*newValue*/) noexcept {}
+
+void MAudioPlugin::EndBackgroundWork() {}
 
 void MAudioPluginAdapter::SendParameterAutomation(std::uint32_t /*identifier*/, double /*x*/) {}
 

@@ -16,7 +16,9 @@
 #include <string>
 #include <vector>
 
+class MArchive;
 class MAudioPluginEditor;
+class MXMLNode;
 
 /// The plug-in as every host binding sees it, whatever the host's interface.
 ///
@@ -64,6 +66,12 @@ public:
     /// The position of a parameter's default on the straight scale. [any]
     virtual double GetParameterDefaultValue(std::uint32_t identifier);
 
+    /// Writes the whole state into `node`, or reads it from there, as the archive says. Reading
+    /// keeps what the node does not mention. A failure is reported. [main]
+    virtual void Store(MXMLNode node, MArchive& archive);
+    /// Puts everything that a state holds to its default. [main]
+    virtual void SetDefaults();
+
     /// Makes ready for the rate, block size and channels that were set, from silence. Waits for a
     /// running block; a block that starts meanwhile is silent. False when it could not: because a
     /// block does not end, and everything stays as it was, or because memory has run out, and
@@ -92,6 +100,8 @@ public:
 
     /// The editor, which the plug-in keeps; null for a plug-in without one. [main]
     virtual MAudioPluginEditor* CreateEditor();
+    /// Whether CreateEditor may make one; asked while hosts scan, when nothing must be made. [any]
+    virtual bool HasEditor() const noexcept;
 
     /// Tells the host that a parameter has moved to position `x`. Automation may start on any
     /// thread, the audio thread included. [any]
@@ -100,6 +110,10 @@ public:
     /// own units. Must not wait, allocate or throw. [any]
     virtual void ParameterChanged(std::uint32_t identifier, double oldValue,
                                   double newValue) noexcept;
+
+    /// Ends what other threads do for the plug-in and waits for it: none of them calls the host any
+    /// more. A binding calls it before it goes, when blocks have ended. [main]
+    virtual void EndBackgroundWork();
 
     /// Sets the rate in hertz, from the next InitProcessing on. False, and nothing changes, for
     /// what no converter has. [main]

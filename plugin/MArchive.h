@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "core/MXML.h"
+
+#include <string>
+#include <string_view>
+
+/// Travels with a node through the storing operations and says which way values go, so that one
+/// traversal serves saving and loading. Writing sets the attribute from the member; reading sets
+/// the member from the attribute and leaves it alone where the attribute is absent or means
+/// nothing: states of older versions load without an error.
+class MArchive {
+public:
+    enum class Direction { Read = 0, Write = 1 };
+    /// What a reader has before it reads the first key.
+    enum class Base {
+        Current,   ///< what is in force
+        Defaults,  ///< so that a state sounds the same whatever was before it
+    };
+
+    /// [any]
+    explicit MArchive(Direction direction, Base base = Base::Current) noexcept
+        : direction_(direction), base_(base) {}
+
+    bool IsWriting() const noexcept { return direction_ == Direction::Write; }
+    /// For those who read into a copy: whether it starts from the defaults.
+    bool StartsFromDefaults() const noexcept { return base_ == Base::Defaults; }
+
+    /// A whole number; a decimal text is read as the nearest one. [main]
+    void Integer(MXMLNode node, std::string_view key, int& value) const;
+    /// A switch: 1 and 0, read as on for any other number than 0. [main]
+    void Switch(MXMLNode node, std::string_view key, bool& value) const;
+    /// A finite number, written as the shortest text that reads back to the same. [main]
+    void Number(MXMLNode node, std::string_view key, double& value) const;
+    void Text(MXMLNode node, std::string_view key, std::string& value) const;
+
+    /// The child to go on with: a new one when writing; when reading the first of that name, or a
+    /// null handle, from which nothing is read. [main]
+    MXMLNode Child(MXMLNode node, std::string_view name) const;
+    /// The children of that name to go on with: `count` new ones when writing; when reading those
+    /// that there are, `count` at most. [main]
+    std::vector<MXMLNode> Children(MXMLNode node, std::string_view name, int count) const;
+
+private:
+    Direction direction_;
+    Base base_;
+};
