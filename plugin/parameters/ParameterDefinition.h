@@ -46,25 +46,26 @@ struct ParameterDefinition {
     static constexpr std::uint8_t kUpdateRequired = 1 << 5;  ///< a change asks for an update
     static constexpr std::uint8_t kOption19 = 1 << 6;        ///< reported by slot 19 of the object
 
-    std::uint8_t flags = 0;
+    // What every block reads comes first, in one line of the cache.
+    alignas(64) std::uint8_t flags = 0;
+    bool enabled = true;  ///< whether the user may change it at present
     ParameterKind kind = ParameterKind::Float;
-    std::string key;        ///< attribute name in the state; never changes between versions
-    std::string name;       ///< shown to the user
-    std::string shortName;  ///< empty so far
-    std::string unitsName;  ///< empty so far: display texts bring their unit along
-    std::string help;       ///< what the user reads about it, in the editor's markup
-    std::optional<ParameterText> text;
-    std::string format;  ///< of the formatting language, used when there is no `text`
+    ParameterCurve curve = ParameterCurve::None;
     double minimum = 0;
     double maximum = 1;
     double defaultValue = 0;
     double value = 0;      ///< in the record's own units; an index, or 0 and 1, for the other kinds
     double secondary = 0;  ///< the modulated value, in force while redirected
     double previous = 0;   ///< where the last ramp ended
-    ParameterCurve curve = ParameterCurve::None;
+    std::string key;       ///< attribute name in the state; never changes between versions
+    std::string name;      ///< shown to the user
+    std::string shortName;  ///< empty so far
+    std::string unitsName;  ///< empty so far: display texts bring their unit along
+    std::string help;       ///< what the user reads about it, in the editor's markup
+    std::optional<ParameterText> text;
+    std::string format;                ///< of the formatting language, used when there is no `text`
     std::vector<std::string> choices;  ///< of an enumerated record
     std::unique_ptr<MValue> scale;     ///< bound to `value`; made by the definer, may be absent
-    bool enabled = true;               ///< whether the user may change it at present
 
     ParameterDefinition();
     ~ParameterDefinition();

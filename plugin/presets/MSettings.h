@@ -5,6 +5,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 /// Settings that belong to the user rather than to a project: whole numbers under stable keys;
 /// switches are 0 and 1.
@@ -33,4 +34,7 @@ private:
 namespace MSettingKeys {
 inline constexpr const char* kDefaultBandCount = "DefaultBandCount";
 inline constexpr const char* kShowConfirmations = "showconfirmations";
+
+/// Whether a setting holds for all plug-ins of the maker rather than for this one. [any]
+inline bool IsGlobal(std::string_view key) { return key == kShowConfirmations; }
 }  // namespace MSettingKeys
