@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "adapters/midi/MControllerAssignment.h"
+#include "adapters/midi/MNoteAssignment.h"
+
+#include <array>
+
+/// The controller that steps through the presets: 64 and above asks for the next one, 1..63 for the
+/// previous one. It asks once, until it comes to 0 or into the other half: a pedal or button that
+/// goes back to 0 steps once per press.
+struct MPresetController {
+    bool isEnabled = false;
+    int controller = 0;  ///< 0..127
+    int channel = 0;     ///< 1..16, 0 for all of them
+
+    bool operator==(const MPresetController&) const = default;
+};
+
+/// All that a user sets about MIDI.
+struct MMIDISettings {
+    static constexpr int kAssignments = 32;
+
+    bool areControllersEnabled = true;
+    bool areNoteControllersEnabled = true;
+    MPresetController presetController;
+    std::array<MControllerAssignment, kAssignments> controllers;
+    std::array<MNoteAssignment, kAssignments> notes;
+
+    bool operator==(const MMIDISettings&) const = default;
+
+    /// With everything out of range put to its default. [main]
+    void Correct();
+
+    /// Keys of the node: "ControllersEnabled", "NoteControllersEnabled"; its children
+    /// "PreviousNextPresetController" ("Enabled", "Controller", "Channel"), "Controllers" with
+    /// "Controller" elements and "NoteControllers" with "NoteController" elements, as many as are
+    /// in use. Reading such a list replaces all assignments; elements after the 32nd are ignored.
+    /// [main]
+    void Store(MXMLNode node, const MArchive& archive);
+};
