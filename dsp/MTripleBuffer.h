@@ -22,9 +22,14 @@ public:
     /// Takes over the newest value; false when there was no new one. Only the reading thread.
     /// [audio]
     bool Adopt() noexcept {
-        if ((middle_.load(std::memory_order_relaxed) & kFresh) == 0) return false;
+        if (!HasNewer()) return false;
         front_ = middle_.exchange(front_, std::memory_order_acq_rel) & kIndex;
         return true;
+    }
+
+    /// Whether Adopt would take over a new value. Only the reading thread. [audio]
+    bool HasNewer() const noexcept {
+        return (middle_.load(std::memory_order_relaxed) & kFresh) != 0;
     }
 
     /// The value adopted last. Only the reading thread. [audio]

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/ProbeEffect.h"
 
+#include "core/MText.h"
 #include "core/MXML.h"
 #include "plugin/values/MValueTimeMS.h"
 
@@ -29,6 +30,19 @@ public:
 
     MEffectParameterTable* Table() { return &table_; }
 
+    void Save(MXMLNode node) const {
+        node.SetAttribute("probe", "saved");
+        for (const auto& record : records_) {
+            node.SetAttribute(record.key, MText::WriteNumber(record.Value()));
+        }
+    }
+    bool Load(const MXMLNode& node) {
+        for (auto& record : records_) {
+            if (const auto text = node.Attribute(record.key)) record.SetValue(std::stod(*text));
+        }
+        return node.Attribute("probe").has_value();
+    }
+
     void Prepare(int channels, int sampleRate) {
         theLog.channels = channels;
         theLog.sampleRate = sampleRate;
@@ -37,8 +51,8 @@ public:
 
     void Process(const float* const* inputs, float* const* outputs, int frames) {
         const auto delay = static_cast<std::size_t>(
-            std::llround(records_[ProbeEffect::Delay].Value() * theLog.sampleRate));
-        const auto level = static_cast<float>(records_[ProbeEffect::Level].Value());
+            std::llround(records_[ProbeEffect::Delay].Effective() * theLog.sampleRate));
+        const auto level = static_cast<float>(records_[ProbeEffect::Level].Effective());
         const bool isHeld = records_[ProbeEffect::Hold].IsOn();
         for (std::size_t channel = 0; channel < history_.size(); ++channel) {
             auto& history = history_[channel];
@@ -58,7 +72,7 @@ public:
     bool IsSilent() const {
         if (records_[ProbeEffect::Hold].IsOn()) return false;
         const auto delay = static_cast<std::size_t>(
-            std::llround(records_[ProbeEffect::Delay].Value() * theLog.sampleRate));
+            std::llround(records_[ProbeEffect::Delay].Effective() * theLog.sampleRate));
         for (const auto& history : history_) {
             for (std::size_t i = 0; i < delay && i < history.size(); ++i) {
                 if (history[history.size() - 1 - i] != 0) return false;
@@ -90,10 +104,10 @@ std::int64_t Dispatch(Probe& probe, MEffectCommand command, const MEffectArgumen
             theLog.changed.push_back(values[0].integer);
             return 0;
         case MEffectCommand::SaveParameters:
-            static_cast<MXMLNode*>(values[0].pointer)->SetAttribute("probe", "saved");
+            probe.Save(*static_cast<MXMLNode*>(values[0].pointer));
             return 0;
         case MEffectCommand::LoadParameters:
-            return static_cast<MXMLNode*>(values[0].pointer)->Attribute("probe") ? 1 : 0;
+            return probe.Load(*static_cast<const MXMLNode*>(values[0].pointer)) ? 1 : 0;
         case MEffectCommand::InitEffectProcessing:
             probe.Prepare(static_cast<int>(values[0].integer), static_cast<int>(values[1].integer));
             return theScript.prepareResult;
