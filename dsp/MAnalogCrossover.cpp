@@ -6,3 +6,8 @@ void MAnalogCrossover::Design(int bandCount, std::span<const double> frequencies
     designs_.Back().Design(bandCount, frequencies, sampleRate, slope);
     designs_.Publish();
 }
+
+void MAnalogCrossover::Publish() noexcept {
+    designs_.Back() = prepared_;
+    designs_.Publish();
+}

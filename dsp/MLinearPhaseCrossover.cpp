@@ -1,19 +1,37 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/MLinearPhaseCrossover.h"
 
+#include <utility>
+
 MLinearPhaseCrossover::MLinearPhaseCrossover() = default;
 MLinearPhaseCrossover::~MLinearPhaseCrossover() = default;
 
 void MLinearPhaseCrossover::Design(int bandCount, std::span<const double> frequencies,
                                    double sampleRate, bool fixedQ) {
     const MCrossoverPoints points = CheckCrossoverPoints(bandCount, frequencies, sampleRate);
-    if (owned_ == nullptr) {
-        MRealFFT::Instance();
-        owned_ = std::make_unique<Memory>();
-    }
+    Reserve();
     owned_->designer.Design(points, fixedQ, owned_->designs.Back());
     owned_->designs.Publish();
     memory_.store(owned_.get(), std::memory_order_release);
+}
+
+void MLinearPhaseCrossover::Prepare(int bandCount, std::span<const double> frequencies,
+                                    double sampleRate, bool fixedQ) {
+    const MCrossoverPoints points = CheckCrossoverPoints(bandCount, frequencies, sampleRate);
+    Reserve();
+    owned_->preparer.Design(points, fixedQ, owned_->prepared);
+}
+
+void MLinearPhaseCrossover::Publish() noexcept {
+    std::swap(owned_->designs.Back(), owned_->prepared);
+    owned_->designs.Publish();
+    memory_.store(owned_.get(), std::memory_order_release);
+}
+
+void MLinearPhaseCrossover::Reserve() {
+    if (owned_ != nullptr) return;
+    MRealFFT::Instance();
+    owned_ = std::make_unique<Memory>();
 }
 
 void MLinearPhaseCrossover::BeginBlock() noexcept {

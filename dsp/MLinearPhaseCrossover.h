@@ -28,6 +28,12 @@ public:
     /// hybrid crossover. Throws MException for what cannot be designed, and the design in use
     /// stays. Allocates on the first call only. One designing thread at a time. [main]
     void Design(int bandCount, std::span<const double> frequencies, double sampleRate, bool fixedQ);
+    /// Design in two steps, for a design that is to come into use together with other things.
+    /// Prepare leaves alone what Design works on, so that another thread may use that meanwhile,
+    /// once there has been a design; Publish does not. [main]
+    void Prepare(int bandCount, std::span<const double> frequencies, double sampleRate,
+                 bool fixedQ);
+    void Publish() noexcept;
 
     /// Takes over the newest design; call it once at the start of a block. [audio]
     void BeginBlock() noexcept;
@@ -54,7 +60,11 @@ private:
     struct Memory {
         MLinearPhaseDesigner designer;
         MTripleBuffer<MLinearPhaseDesign> designs;
+        MLinearPhaseDesigner preparer;
+        MLinearPhaseDesign prepared;
     };
+
+    void Reserve();
 
     std::unique_ptr<Memory> owned_;               // of the designing thread
     std::atomic<Memory*> memory_ = nullptr;       // the same, set once there is a design

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/effect/MAudioEffectPluginToAudioPluginAdapter.h"
 
+#include "adapters/effect/MBlockPieces.h"
 #include "core/MException.h"
 #include "core/MGuard.h"
 
@@ -20,13 +21,11 @@ MAudioEffectPluginToAudioPluginAdapter::MAudioEffectPluginToAudioPluginAdapter(
       settings_(parts.settings != nullptr ? *parts.settings : ownSettings_),
       entry_(parts.entry),
       panelShortNames_(parts.panelShortNames),
-      presetTriggers_(parts.presets) {
-    for (int index = 0; index < kMultiParameters; ++index) {
-        const std::string name = "MultiParameter " + std::to_string(index + 1);
-        multiParameters_[index].DefineFloat("MultiParameter" + std::to_string(index), name, 0, 1, 0,
-                                            std::string());
-    }
+      midi_(*this, parts.presets),
+      presetTriggers_(parts.presets),
+      presets_(parts.presets) {
     bypass_.DefineBool("Bypass", "Bypass", false);
+    standard_.version = parts.identity.versionNumber;
 }
 
 MAudioEffectPluginToAudioPluginAdapter::~MAudioEffectPluginToAudioPluginAdapter() = default;
@@ -36,6 +35,7 @@ bool MAudioEffectPluginToAudioPluginAdapter::Initialize() {
         CreateEffects({"Effect"});
         MParameterTable table(MutableParameters());
         AddParameters(table);
+        AddStateRecords(stateRecords_);
         return true;
     });
 }
@@ -59,10 +59,10 @@ void MAudioEffectPluginToAudioPluginAdapter::AddParameters(MParameterTable& tabl
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::AddSharedParameters(MParameterTable& table) {
-    for (ParameterDefinition& record : multiParameters_)
-        table.Add(record, record.name, record.name);
+    modulation_.AddParameters(table);
     presetTriggers_.AddParameters(table);
     table.Add(bypass_, "Bypass", "Bypass");
+    modulation_.Bind(Parameters(), effects_);
 }
 
 bool MAudioEffectPluginToAudioPluginAdapter::InitProcessing() {
@@ -73,7 +73,19 @@ bool MAudioEffectPluginToAudioPluginAdapter::InitProcessing() {
         }
         InitProcessing_UnLockedPart();
         InitProcessingGUI();
+        // A binding prepares once on its own account, for hosts that only want to look at the
+        // plug-in: they shall not find a thread.
+        if (presets_ != nullptr && ++starts_ > 1) {
+            Guard("MAudioEffectPluginToAudioPluginAdapter::InitProcessing",
+                  [&] { presets_->Start(); });
+        }
         return true;
+    });
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::EndBackgroundWork() {
+    Guard("MAudioEffectPluginToAudioPluginAdapter::EndBackgroundWork", [&] {
+        if (presets_ != nullptr) presets_->Stop();
     });
 }
 
@@ -81,12 +93,15 @@ bool MAudioEffectPluginToAudioPluginAdapter::InitProcessing_LockedPart() {
     return Guard("MAudioEffectPluginToAudioPluginAdapter::InitProcessing_LockedPart", false, [&] {
         if (effects_.empty()) throw MException("Error creating plugin.");
         isReady_ = false;  // blocks are silent should anything below fail
+        handOver_.Start();
         activeLayout_ = BusLayout();
         activeRate_ = SampleRate();
         PrepareEffects();
         UpdateMaxBufferSize();
         bypassFade_.Prepare(activeLayout_.outputs, activeRate_, MaximumLatency(),
                             MaximumBlockSize(), bypass_.IsOn());
+        modulation_.Prepare(activeRate_);
+        midi_.Reset();
         inputMeter_.Prepare(activeRate_);
         outputMeter_.Prepare(activeRate_);
         isReady_ = true;
@@ -135,7 +150,7 @@ int MAudioEffectPluginToAudioPluginAdapter::ProcessingLatency() const noexcept {
 int MAudioEffectPluginToAudioPluginAdapter::MaximumLatency() const noexcept { return GetLatency(); }
 
 bool MAudioEffectPluginToAudioPluginAdapter::TakeParameterListChanged() noexcept {
-    bool isChanged = false;
+    bool isChanged = modulation_.TakeKnobsMoved();
     for (const auto& effect : effects_) isChanged = effect->TakeListChanged() || isChanged;
     return isChanged;
 }

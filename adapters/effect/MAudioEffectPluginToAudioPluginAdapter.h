@@ -7,36 +7,48 @@
 #include "adapters/effect/MHostedEffect.h"
 #include "adapters/effect/MParameterTable.h"
 #include "adapters/effect/MPresetTriggers.h"
+#include "adapters/effect/MStandardSettings.h"
+#include "adapters/effect/MStateHandOver.h"
+#include "adapters/effect/MStateRecords.h"
+#include "adapters/midi/MMIDIControl.h"
+#include "adapters/modulation/MModulation.h"
 #include "core/MMutex.h"
 #include "dsp/MMeter.h"
 #include "plugin/MAudioPlugin.h"
+#include "plugin/presets/MActivePresets.h"
+#include "plugin/presets/MRandomRule.h"
 #include "plugin/presets/MSettings.h"
 
 #include <array>
 #include <atomic>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
 /// What an adapter is made of. Pointers are borrowed and outlive the adapter.
 struct MEffectAdapterParts {
     MPluginIdentity identity;
-    MEffectEntry entry = nullptr;       ///< makes the effect
-    MPanelShortNames panelShortNames;   ///< for the host's list
-    MSettings* settings = nullptr;      ///< null: settings of its own, in memory
-    MPresetStepper* presets = nullptr;  ///< null: the preset triggers do nothing
+    MEffectEntry entry = nullptr;                ///< makes the effect
+    MPanelShortNames panelShortNames;            ///< for the host's list
+    MSettings* settings = nullptr;               ///< null: settings of its own, in memory
+    MPresetStepper* presets = nullptr;           ///< null: the preset triggers do nothing
+    std::span<const MRandomRule> randomRules{};  ///< what makes random settings musical
 };
 
 /// Makes an effect object a complete plug-in: it owns the effect, gives its records to the host and
 /// runs it block by block, with bypass, meters and MultiParameters around it.
 ///
-/// One lock, the processing lock, keeps InitProcessing and blocks apart. The audio thread only
-/// tries it: a block that falls into an InitProcessing is silent. Everything else crosses threads
-/// as single numbers.
-class MAudioEffectPluginToAudioPluginAdapter : public MAudioPlugin, public MEffectAdapter {
+/// The processing lock keeps InitProcessing and blocks apart. The audio thread only tries it: a
+/// block that falls into an InitProcessing is silent. The change lock lets one thread at a time
+/// store, load or change what consists of several parts, for as long as it takes; the audio thread
+/// gets the result through the hand-over, between two blocks. Everything else crosses threads as
+/// single numbers. Order of the locks: processing, change, then those of the hand-over and of
+/// classes that build on this one.
+class MAudioEffectPluginToAudioPluginAdapter : public MAudioPlugin,
+                                               public MEffectAdapter,
+                                               private MMIDIListener {
 public:
-    static constexpr int kMultiParameters = 4;
-
     /// [main]
     explicit MAudioEffectPluginToAudioPluginAdapter(const MEffectAdapterParts& parts);
     ~MAudioEffectPluginToAudioPluginAdapter() override;
@@ -46,12 +58,17 @@ public:
     /// [main]
     virtual bool Initialize();
 
+    void Store(MXMLNode node, MArchive& archive) override;
+    void SetDefaults() override;
+
     bool InitProcessing() override;
     void Process(const float* const* inputs, float* const* outputs, int sampleCount) override;
     void ProcessUpdate() override;
     void PostProcess(float* const* outputs, int sampleCount) override;
     bool ReceivesMIDI() const noexcept override { return true; }
+    void ProcessMIDIEvent(int deltaFrames, const std::array<std::uint8_t, 4>& data) override;
     bool WantsHostTime() const noexcept override { return true; }
+    void EndBackgroundWork() override;
     int GetLatency() const noexcept override;
     int GetTailLength() const noexcept override;
 
@@ -60,6 +77,7 @@ public:
     void InitProcessingGUI() override;
     void UpdateMaxBufferSize() override;
     void PrepareForProcessing(const float* const* inputs, int sampleCount) override;
+    void StoreSettings(MXMLNode node, MArchive& archive) override;
 
     /// The bypass switch, a parameter with the state key "Bypass". [any]
     ParameterDefinition& Bypass() noexcept { return bypass_; }
@@ -72,12 +90,26 @@ public:
     const MMeter& InputMeter() const noexcept { return inputMeter_; }
     const MMeter& OutputMeter() const noexcept { return outputMeter_; }
 
+    /// What is stored besides parameters, as it was last published. [main]
+    MStandardSettings StandardSettings();
+    /// Puts other ones into force. [main]
+    void SetStandardSettings(const MStandardSettings& settings);
+    /// The modulators and MultiParameters. [main]
+    MModulation& Modulation() noexcept { return modulation_; }
+    /// What MIDI messages do. [main]
+    MMIDIControl& MIDI() noexcept { return midi_; }
+    /// The states A to H that can be compared with one another. [main]
+    MActivePresets& ActivePresets() noexcept { return activePresets_; }
+    /// What followers may listen to besides the input, [channels][samples of the next block]; null,
+    /// as at the start, for no side chain. Borrowed until the next call. [audio]
+    void SetSideChain(const float* const* channels, int channelCount) noexcept;
+
     MSettings& Settings() noexcept { return settings_; }
     /// Effects of the plug-in, for the editor and the state. [any]
     int EffectCount() const noexcept { return static_cast<int>(effects_.size()); }
     MHostedEffect& Effect(int index) const { return *effects_.at(static_cast<std::size_t>(index)); }
-    /// Whether records have been enabled or disabled since the last call: the host's list and the
-    /// editor should follow. [main]
+    /// Whether records have been enabled or disabled, or moved by a MultiParameter, since the last
+    /// call: the host's list and the editor should follow. [main]
     bool TakeParameterListChanged() noexcept;
 
 protected:
@@ -88,6 +120,45 @@ protected:
     /// MultiParameters, preset triggers and bypass, which every effect has. [main]
     void AddSharedParameters(MParameterTable& table);
     MPanelShortNames PanelShortNames() const noexcept { return panelShortNames_; }
+
+    /// Adds the records whose values belong to the state, once there are effects. [main]
+    virtual void AddStateRecords(MStateRecords& records);
+    /// One change, load or save at a time; never to be had by the audio thread.
+    MMutex& ChangeLock() noexcept { return changeLock_; }
+    MStateHandOver& HandOver() noexcept { return handOver_; }
+    const MStateRecords& StateRecords() const noexcept { return stateRecords_; }
+    MStateRecords& MutableStateRecords() noexcept { return stateRecords_; }
+
+    // A state passes through a stage, so that nothing changes until all of it has been read. All of
+    // this is under the change lock.
+    /// Fills the stage with what is in force or with the defaults. [main]
+    virtual void FillStage(MArchive::Base base);
+    /// Puts what is staged into force. [main]
+    virtual MStateHandOver::Ticket CommitStage();
+    /// The part of it that is this class's, in the course of publishing. [main]
+    void PublishStage() noexcept;
+    MStateRecords::Values& StagedValues() noexcept { return stagedValues_; }
+    /// Writes or reads the staged value of `record`. [main]
+    void StoreRecord(const ParameterDefinition& record, MXMLNode node, const MArchive& archive);
+    /// Lets effect `index` write its staged values into `node`, by a spare object of its kind: its
+    /// own records may just be changing. Throws what the effect throws. [main]
+    void SaveEffect(int index, MXMLNode node);
+    /// Lets effect `index` read `node` into the stage, by a spare object of its kind, so that its
+    /// own way with old states applies and nothing live is touched. False when the node has none of
+    /// its values. Throws what the effect throws; the staged values are as before then. [main]
+    bool LoadEffect(int index, MXMLNode node);
+    /// Says that StoreSettings has got to its end: else nothing is put into force. [main]
+    void CompleteStage() noexcept { isStageComplete_ = true; }
+    /// Waits until the values of `ticket` are there and tells everybody else; without any lock.
+    /// [main]
+    void ActualiseAfterLoading(MStateHandOver::Ticket ticket);
+
+    /// Adopts what was published, under the lock of the hand-over. [audio]
+    virtual void AdoptChanges() noexcept;
+    /// The standard settings of this block. [audio]
+    const MStandardSettings& ActiveSettings() const noexcept { return activeStandard_; }
+    /// Takes all values as where the last ramps ended. [audio]
+    virtual void SettleRamps() noexcept;
 
     /// Prepares the effects that run for the channels and rate of the next block. Throws. [main]
     virtual void PrepareEffects();
@@ -113,7 +184,22 @@ protected:
 private:
     void PrepareForProcessingOnce(const float* const* inputs, int sampleCount);
     void RunFrame(const float* const* inputs, float* const* outputs, int sampleCount);
+    void RunPieces(int sampleCount);
+    void NoteOn(int channel, int note, double velocity) noexcept override;
+    void NoteOff(int channel, int note) noexcept override;
+    void Modulate(const float* const* inputs, int start, int sampleCount) noexcept;
+    bool HappensInPieces(int sampleCount) const noexcept;
+    void BeginBypass(int sampleCount);
     void Silence(float* const* outputs, int sampleCount) const noexcept;
+    MStateHandOver::Ticket Commit();
+    void StoreStandardSettings(MXMLNode node, const MArchive& archive);
+    MEffectHandle& SpareLike(std::span<const double> values);
+    void StoreLFO(MXMLNode node, const MArchive& archive);
+    void StoreControllers(MXMLNode node, const MArchive& archive);
+    void StoreActivePresets(MXMLNode node, const MArchive& archive);
+    void StoreMultiParameters(MXMLNode node, const MArchive& archive);
+    void StoreValue(const ParameterDefinition& record, std::string_view key, MXMLNode node,
+                    const MArchive& archive);
 
     MMemorySettings ownSettings_;
     MSettings& settings_;
@@ -121,9 +207,29 @@ private:
     const MPanelShortNames panelShortNames_;
     std::vector<std::unique_ptr<MHostedEffect>> effects_;
 
-    std::array<ParameterDefinition, kMultiParameters> multiParameters_;
+    MModulation modulation_;
+    const float* const* sideChain_ = nullptr;  // of the audio thread
+    int sideChainCount_ = 0;
+    MMIDIControl midi_;
     MPresetTriggers presetTriggers_;
     ParameterDefinition bypass_;
+
+    MPresetStepper* const presets_;
+    std::atomic<int> starts_{0};  // of processing
+    MActivePresets activePresets_;
+
+    MMutex changeLock_;           // over the next eight
+    MStandardSettings standard_;  // written under the lock of the hand-over, too
+    MStandardSettings stagedStandard_;
+    MModulationSettings stagedModulation_;
+    MMIDISettings stagedMIDI_;
+    MStateRecords::Values stagedValues_;
+    MModulation::Replacement* newModulation_ = nullptr;  // while the stage is published
+    bool isStageComplete_ = false;
+    std::unique_ptr<MEffectHandle> spare_;  // while a state is read or written
+    MStateRecords stateRecords_;            // constant once initialised
+    MStateHandOver handOver_{stateRecords_};
+    MStandardSettings activeStandard_;  // of the audio thread
 
     MMutex processingLock_;
     MBusLayout activeLayout_;
@@ -131,6 +237,7 @@ private:
     bool isReady_ = false;  // under the processing lock
     MBlockChannels channels_;
     MBypassFade bypassFade_;
+    bool isBypassHeard_ = false;  // in this block
 
     std::atomic<bool> updates_{true};
     std::atomic<bool> isMetering_{false};

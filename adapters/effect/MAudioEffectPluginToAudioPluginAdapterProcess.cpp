@@ -1,9 +1,53 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/effect/MAudioEffectPluginToAudioPluginAdapter.h"
+#include "adapters/effect/MBlockPieces.h"
 #include "core/MGuard.h"
 #include "dsp/MDenormals.h"
 
 #include <algorithm>
+#include <array>
+
+namespace {
+
+/// Pointers of a block's channels from a place within it on.
+template <class Sample>
+struct PieceChannels {
+    PieceChannels(Sample* const* channels, int count, int start) noexcept {
+        for (int channel = 0; channel < count; ++channel) {
+            Sample* const samples = channels[channel];
+            pointers[channel] = samples != nullptr ? samples + start : nullptr;
+        }
+    }
+
+    std::array<Sample*, MBusLayout::kMaxChannels> pointers{};
+};
+
+/// Moves the transport on within a block; it stands at the block's start again afterwards.
+class PieceTransport {
+public:
+    PieceTransport(MTransport& transport, int sampleRate) noexcept
+        : transport_(transport), atStart_(transport), sampleRate_(sampleRate) {}
+    ~PieceTransport() { transport_ = atStart_; }
+    PieceTransport(const PieceTransport&) = delete;
+    PieceTransport& operator=(const PieceTransport&) = delete;
+
+    void MoveTo(int sample) noexcept {
+        if (sample == 0) return;
+        constexpr double kSecondsPerMinute = 60;
+        transport_.hasJumped = false;
+        transport_.playStateChanged = false;
+        if (!atStart_.isPlaying) return;
+        transport_.songPosition =
+            atStart_.songPosition + sample * atStart_.tempo / (kSecondsPerMinute * sampleRate_);
+    }
+
+private:
+    MTransport& transport_;
+    const MTransport atStart_;
+    const int sampleRate_;
+};
+
+}  // namespace
 
 void MAudioEffectPluginToAudioPluginAdapter::Process(const float* const* inputs,
                                                      float* const* outputs, int sampleCount) {
@@ -23,17 +67,25 @@ void MAudioEffectPluginToAudioPluginAdapter::Process(const float* const* inputs,
 void MAudioEffectPluginToAudioPluginAdapter::RunFrame(const float* const* inputs,
                                                       float* const* outputs, int sampleCount) {
     const int count = std::max(sampleCount, 0);
+    const MStateHandOver::Block block(handOver_, count);
+    handOver_.Take([&] { AdoptChanges(); }, [&] { modulation_.Adopt(); });
+    midi_.BeginBlock(count);
     channels_.Take(activeLayout_, inputs, outputs, count);
     const float* const* const in = channels_.Inputs();
     float* const* const out = channels_.Outputs();
 
     PrepareForProcessingOnce(in, count);
-    if (updates_.load(std::memory_order_relaxed)) ProcessUpdate();
-    if (count == 0) return;
-
-    const bool isBypassHeard = bypassFade_.Begin(bypass_.IsOn(), ProcessingLatency(), in, count);
-    ProcessBlock(in, out, count);
-    if (isBypassHeard) {
+    if (HappensInPieces(count)) {
+        RunPieces(count);
+    } else {
+        midi_.ApplyUntil(count, this);
+        modulation_.FollowMultiParameters();
+        if (updates_.load(std::memory_order_relaxed)) ProcessUpdate();
+        if (count == 0) return;
+        BeginBypass(count);
+        ProcessBlock(in, out, count);
+    }
+    if (isBypassHeard_) {
         if (bypassFade_.IsStarting()) StartBypassed();
         for (int channel = 0; channel < activeLayout_.outputs; ++channel) {
             ProcessBypassed(bypassFade_.Signals()[channel], count, channel);
@@ -41,6 +93,77 @@ void MAudioEffectPluginToAudioPluginAdapter::RunFrame(const float* const* inputs
         bypassFade_.Mix(out, count);
     }
     PostProcess(out, count);
+}
+
+bool MAudioEffectPluginToAudioPluginAdapter::HappensInPieces(int sampleCount) const noexcept {
+    if (sampleCount == 0) return false;
+    return modulation_.IsActive() || (midi_.MovesParameters() && midi_.NextEvent(0) < sampleCount);
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::BeginBypass(int sampleCount) {
+    if (handOver_.IsSettling()) {
+        bypassFade_.Settle(bypass_.IsOn());
+        SettleRamps();
+    }
+    isBypassHeard_ =
+        bypassFade_.Begin(bypass_.IsOn(), ProcessingLatency(), channels_.Inputs(), sampleCount);
+}
+
+// Only what depends on parameters goes piece by piece; bypass and meters see the block as a whole.
+void MAudioEffectPluginToAudioPluginAdapter::RunPieces(int sampleCount) {
+    const int channelCount = activeLayout_.outputs;
+    channels_.SeparateInputs(channelCount, sampleCount);
+    PieceTransport transport(Transport(), activeRate_);
+    const bool isModulated = modulation_.IsActive();
+    MBlockPieces pieces(sampleCount, isModulated ? activeStandard_.maxLFOBlockSize : sampleCount);
+    while (!pieces.IsDone()) {
+        const int start = pieces.Start();
+        midi_.ApplyUntil(start, this);
+        const int count = pieces.Take(midi_.NextEvent(start + 1));
+        const PieceChannels in(channels_.Inputs(), channelCount, start);
+        const PieceChannels out(channels_.Outputs(), channelCount, start);
+        transport.MoveTo(start);
+        if (isModulated) {
+            Modulate(in.pointers.data(), start, count);
+        } else {
+            modulation_.FollowMultiParameters();
+        }
+        if (updates_.load(std::memory_order_relaxed)) ProcessUpdate();
+        if (start == 0) BeginBypass(sampleCount);
+        ProcessBlock(in.pointers.data(), out.pointers.data(), count);
+    }
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::Modulate(const float* const* inputs, int start,
+                                                      int sampleCount) noexcept {
+    const PieceChannels sideChain(sideChain_, sideChain_ != nullptr ? sideChainCount_ : 0, start);
+    modulation_.Advance({.transport = &Transport(),
+                         .count = sampleCount,
+                         .sampleRate = activeRate_,
+                         .inputs = inputs,
+                         .inputCount = activeLayout_.outputs,
+                         .sideChain = sideChain_ != nullptr ? sideChain.pointers.data() : nullptr,
+                         .sideChainCount = sideChainCount_});
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::ProcessMIDIEvent(
+    int deltaFrames, const std::array<std::uint8_t, 4>& data) {
+    midi_.Receive(deltaFrames, data);
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::NoteOn(int /*channel*/, int note,
+                                                    double velocity) noexcept {
+    modulation_.NoteOn(note, velocity);
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::NoteOff(int /*channel*/, int note) noexcept {
+    modulation_.NoteOff(note);
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::SetSideChain(const float* const* channels,
+                                                          int channelCount) noexcept {
+    sideChain_ = channels;
+    sideChainCount_ = std::clamp(channelCount, 0, MBusLayout::kMaxChannels);
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::PrepareForProcessing(const float* const* inputs,
@@ -65,6 +188,14 @@ void MAudioEffectPluginToAudioPluginAdapter::ProcessUpdate() {
     Guard<MExceptionPolicy::Swallow>("MAudioEffectPluginToAudioPluginAdapter::ProcessUpdate", [&] {
         for (const auto& effect : effects_) effect->Update();
     });
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::AdoptChanges() noexcept {
+    activeStandard_ = standard_;
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::SettleRamps() noexcept {
+    for (const auto& effect : effects_) effect->SettleRamps();
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::ProcessBlock(const float* const* inputs,

@@ -2,6 +2,7 @@
 #include "adapters/effect/MBlockChannels.h"
 
 #include <algorithm>
+#include <functional>
 
 void MBlockChannels::Reserve(int channels, int count) {
     silence_.Get(count);
@@ -24,5 +25,20 @@ void MBlockChannels::Take(const MBusLayout& layout, const float* const* inputs,
         }
         float* const output = outputs != nullptr ? outputs[channel] : nullptr;
         outputs_[channel] = output != nullptr ? output : unheard_[channel].Get(count);
+    }
+}
+
+void MBlockChannels::SeparateInputs(int channels, int count) {
+    const auto overlaps = [count](const float* input, const float* output) {
+        const std::less<> isBefore;  // holds for pointers into different arrays as well
+        return input != output && isBefore(input, output + count) &&
+               isBefore(output, input + count);
+    };
+    for (int channel = 0; channel < channels; ++channel) {
+        const float*& input = inputs_[channel];
+        const bool isShared =
+            std::any_of(outputs_.begin(), outputs_.begin() + channels,
+                        [&](const float* output) { return overlaps(input, output); });
+        if (isShared) input = std::copy_n(input, count, copies_[channel].Get(count)) - count;
     }
 }

@@ -18,6 +18,10 @@ public:
     void Take(const MBusLayout& layout, const float* const* inputs, float* const* outputs,
               int count);
 
+    /// Lets outputs be written piece by piece: inputs that share memory with outputs at another
+    /// place than sample for sample are copied. Allocates for the first such block. [audio]
+    void SeparateInputs(int channels, int count);
+
     /// [layout.outputs][count], valid until the next Take. [audio]
     const float* const* Inputs() const noexcept { return inputs_.data(); }
     /// The same; what is written for a channel that the host left out is lost. [audio]
@@ -27,5 +31,6 @@ private:
     std::array<const float*, MBusLayout::kMaxChannels> inputs_{};
     std::array<float*, MBusLayout::kMaxChannels> outputs_{};
     std::array<MGrowingBuffer<float>, MBusLayout::kMaxChannels> unheard_;
+    std::array<MGrowingBuffer<float>, MBusLayout::kMaxChannels> copies_;  // of inputs
     MGrowingBuffer<float> silence_;
 };

@@ -14,15 +14,19 @@ void MBypassFade::Prepare(int channels, int sampleRate, int maximumDelay, int bl
                           bool isOn) {
     channels_ = channels;
     fadeLength_ = std::max(1, static_cast<int>(std::lround(sampleRate * kFadeSeconds)));
-    isOn_ = isOn;
+    Settle(isOn);
     isStarting_ = false;
-    position_ = isOn ? fadeLength_ : 0;
     writePosition_ = 0;
     const std::size_t capacity = std::bit_ceil(static_cast<std::size_t>(maximumDelay) + 1);
     for (int channel = 0; channel < channels; ++channel) {
         history_[channel].assign(capacity, 0.0f);
         buffers_[channel].Get(blockSize);
     }
+}
+
+void MBypassFade::Settle(bool isOn) noexcept {
+    isOn_ = isOn;
+    position_ = isOn ? fadeLength_ : 0;
 }
 
 bool MBypassFade::Begin(bool isOn, int delay, const float* const* inputs, int count) {

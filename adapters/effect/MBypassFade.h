@@ -16,6 +16,9 @@ public:
     /// samples. [setup]
     void Prepare(int channels, int sampleRate, int maximumDelay, int blockSize, bool isOn);
 
+    /// Goes to the position `isOn` without a fade. [audio]
+    void Settle(bool isOn) noexcept;
+
     /// Begins a block: takes in the inputs, [channels][count], which the effect may then overwrite.
     /// `delay` in samples, up to the maximum. Whether anything of the way around is heard in this
     /// block; only then Signals and Mix serve. Allocates when `count` exceeds every block so far.

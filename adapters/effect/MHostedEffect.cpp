@@ -51,6 +51,12 @@ void MHostedEffect::ParameterChanged(int index, std::uint32_t /*offset*/, double
     Mark(index);
 }
 
+void MHostedEffect::SettleRamps() noexcept {
+    for (ParameterDefinition& record : records_) {
+        if (record.kind == ParameterKind::Float) record.previous = record.Effective();
+    }
+}
+
 void MHostedEffect::Update() {
     // Most blocks come without writes; reading alone keeps the line shared between the cores.
     if (marks_.load(std::memory_order_relaxed) == 0) return;

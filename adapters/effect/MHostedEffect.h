@@ -39,6 +39,8 @@ public:
     /// Lets the next Process start from silence. [any]
     void RequestRestart() noexcept { restart_.store(true, std::memory_order_release); }
 
+    /// Takes the present values as where the last ramps ended. [audio]
+    void SettleRamps() noexcept;
     /// Lets the effect follow what was marked. [audio]
     void Update();
     /// One block of the prepared channels; see MEffectHandle. [audio]

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,21 +17,23 @@ namespace {
 constexpr int kAnalogTail = 4096;       // samples
 constexpr int kLinearPhaseTail = 4098;  // samples
 
-int DefaultBandCount(const MSettings& settings) {
-    const int count = settings.Get(MSettingKeys::kDefaultBandCount, MBandLayout::kDefaultBands);
-    return count >= 1 && count <= MBandLayout::kMaxBands ? count : MBandLayout::kDefaultBands;
-}
-
 }  // namespace
 
 MAudioEffectPluginToAudioPluginMultiBandAdapter::MAudioEffectPluginToAudioPluginMultiBandAdapter(
     const MEffectAdapterParts& parts)
-    : MAudioEffectPluginToAudioPluginAdapter(parts) {
-    CreateDefaultBands(DefaultBandCount(Settings()), false);
+    : MAudioEffectPluginToAudioPluginAdapter(parts),
+      random_(std::random_device()()),
+      randomRules_(parts.randomRules) {
+    CreateDefaultBands(DefaultBandCount(), false);
 }
 
 MAudioEffectPluginToAudioPluginMultiBandAdapter::
     ~MAudioEffectPluginToAudioPluginMultiBandAdapter() = default;
+
+int MAudioEffectPluginToAudioPluginMultiBandAdapter::DefaultBandCount() {
+    const int count = Settings().Get(MSettingKeys::kDefaultBandCount, MBandLayout::kDefaultBands);
+    return count >= 1 && count <= kMaxBands ? count : MBandLayout::kDefaultBands;
+}
 
 bool MAudioEffectPluginToAudioPluginMultiBandAdapter::Initialize() {
     return Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::Initialize", false, [&] {
@@ -40,6 +43,7 @@ bool MAudioEffectPluginToAudioPluginMultiBandAdapter::Initialize() {
         CreateEffects(names);
         MParameterTable table(MutableParameters());
         AddParameters(table);
+        AddStateRecords(MutableStateRecords());
         OnGlobalChange(true);
         return true;
     });
@@ -69,14 +73,14 @@ bool MAudioEffectPluginToAudioPluginMultiBandAdapter::InitProcessing_LockedPart(
 // prepared for other channels or another rate is left in its hands.
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareEffects() {
     processor_.Prepare(ActiveLayout().outputs);
-    const MLock lock(settingsLock_);
+    const MLock lock(ChangeLock());
     preparedChannels_ = ActiveLayout().outputs;
     preparedRate_ = ActiveRate();
     for (int band = 0; band < layout_.bandCount; ++band) {
         Effect(band).Prepare(preparedChannels_, preparedRate_);
     }
     ApplyGlobalChange(true);
-    AdoptSettings();
+    HandOver().TakeStanding([&] { AdoptChanges(); });
     FillBlock();
     block_.Arrive();
 }
@@ -91,7 +95,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::UpdateMaxBufferSize() {
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::OnGlobalChange(bool bandsChanged) {
     Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::OnGlobalChange", [&] {
         {
-            const MLock lock(settingsLock_);
+            const MLock lock(ChangeLock());
             ApplyGlobalChange(bandsChanged);
         }
         ReportLatencyChange();
@@ -99,22 +103,39 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::OnGlobalChange(bool bandsC
     });
 }
 
-// Under the settings lock. Effects first, then the design, then what refers to both: whatever a
-// block sees of these is ready to run.
+// Under the change lock, as all the rest.
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::ApplyGlobalChange(bool bandsChanged) {
-    if (bandsChanged) layout_.DeriveSolo();
-    for (int band = 0; band < layout_.bandCount && preparedChannels_ > 0; ++band) PrepareBand(band);
-    designer_.Design({.bandCount = layout_.bandCount,
-                      .isLinearPhase = options_.isLinearPhase,
-                      .hasFixedQ = options_.hasFixedQ,
-                      .slope = options_.slope,
-                      .sampleRate = preparedRate_ > 0 ? preparedRate_ : SampleRate()},
-                     parameters_.ReadLimits());
-    const int latency = LatencyOfLayout();
-    published_.Back() = {layout_.bandCount, latency, layout_.mute, layout_.bypass, options_};
-    published_.Publish();
-    publishedBands_ = layout_.bandCount;
+    if (bandsChanged) {
+        const MLock lock(settingsLock_);
+        layout_.DeriveSolo();
+    }
+    PutIntoForce(parameters_.ReadLimits(), nullptr);
     for (int effect = 0; effect < EffectCount(); ++effect) Effect(effect).RequestRefresh();
+}
+
+// Effects first, then the design, then what refers to both: whatever a block sees of these is ready
+// to run.
+MStateHandOver::Ticket MAudioEffectPluginToAudioPluginMultiBandAdapter::PutIntoForce(
+    const MBandParameters::Limits& limits, MStateRecords::Values* staged) {
+    for (int band = 0; band < layout_.bandCount && preparedChannels_ > 0; ++band) PrepareBand(band);
+    const MCrossoverChoice choice{
+        .bandCount = layout_.bandCount,
+        .isLinearPhase = options_.isLinearPhase,
+        .hasFixedQ = options_.hasFixedQ,
+        .slope = options_.slope,
+        .sampleRate = preparedRate_ > 0 ? preparedRate_ : SampleRate(),
+    };
+    const InForce changed{layout_.bandCount, LatencyOfLayout(), layout_.mute, layout_.bypass,
+                          options_};
+    MStateHandOver::Ticket ticket = 0;
+    const auto publish = [&] {
+        designer_.Publish();
+        published_ = changed;
+        if (staged != nullptr) PublishStage();
+    };
+    designer_.Design(choice, limits, [&] { ticket = HandOver().Publish(staged, publish); });
+    publishedBands_ = changed.bandCount;
+    return ticket;
 }
 
 // A band that has not run for a while must not come back with what it last heard.
@@ -147,8 +168,11 @@ int MAudioEffectPluginToAudioPluginMultiBandAdapter::MaximumLatency() const noex
 template <class Change>
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::ChangeLayout(Change&& change) {
     {
-        const MLock lock(settingsLock_);
-        change();
+        const MLock changing(ChangeLock());
+        {
+            const MLock lock(settingsLock_);
+            change();
+        }
         ApplyGlobalChange(true);
     }
     ReportLatencyChange();
@@ -161,6 +185,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::CreateDefaultBands(int cou
         ChangeLayout([&] { ResetBands(count); });
         return;
     }
+    const MLock changing(ChangeLock());
     const MLock lock(settingsLock_);
     ResetBands(count);
 }

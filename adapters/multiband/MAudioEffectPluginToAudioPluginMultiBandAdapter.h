@@ -5,16 +5,18 @@
 #include "adapters/multiband/MBandDesigner.h"
 #include "adapters/multiband/MBandLayoutRecord.h"
 #include "adapters/multiband/MBandOptions.h"
-#include "dsp/MTripleBuffer.h"
+#include "adapters/multiband/MBandRandomiser.h"
+#include "adapters/multiband/MSmartRandom.h"
 
 #include <array>
 
 /// An effect in up to six bands: one instance each, split by a crossover, summed again.
 ///
-/// The settings lock guards layout and options; whoever changes them designs the crossover and
-/// publishes what a block needs to know as a whole, which the audio thread takes over at the start
-/// of the next one. The audio thread never takes the settings lock. Order of the locks: processing,
-/// settings, the designer's.
+/// Whoever changes layout or options holds the change lock, and the settings lock while writing
+/// them, so that others may read them at any time; then prepares effects, designs the crossover and
+/// hands over all that a block needs to know, which the audio thread takes at the start of one. The
+/// audio thread never takes either lock. Order of the locks: processing, change, settings; and
+/// after change the designer's, the hand-over's.
 class MAudioEffectPluginToAudioPluginMultiBandAdapter final
     : public MAudioEffectPluginToAudioPluginAdapter,
       private MBandEffects {
@@ -31,6 +33,7 @@ public:
     bool InitProcessing_LockedPart() override;
     void UpdateMaxBufferSize() override;
     void ProcessUpdate() override;
+    void StoreSettings(MXMLNode node, MArchive& archive) override;
 
     /// Puts layout, options and limits into force and tells the host of another latency; to be
     /// called after any change but of parameters' values. `bandsChanged`: count, mute or bypass
@@ -59,12 +62,32 @@ public:
     /// Chooses the band that the editor shows. Throws the same. [main]
     void SetEditedBand(int band);
 
+    /// Whether the state that was loaded last came from a plug-in without bands. [any]
+    bool IsLegacyState() const noexcept { return isLegacyState_.load(std::memory_order_relaxed); }
+    /// Deals limits, gains or panoramas of the bands out to the modulators at random. Locks: the
+    /// change lock, the modulation's, the settings lock. [main]
+    void RandomizeBandModulation(MBandRandomiser::Kind kind);
+    /// Where the randomisers' numbers go on from; by itself every instance starts elsewhere. [main]
+    void SetRandomSeed(std::uint32_t seed);
+    /// What GenerateRandomSettingsSmart leaves as it is; nothing at the start. [main]
+    void SetRandomLocks(const MSmartRandom::Locks& locks);
+    void GenerateRandomSettingsSmart() override;
+    /// Puts every record of the bands anywhere within its range, musical or not. [main]
+    void GenerateRandomSettings();
+    /// Turns the MultiParameters, and with them what they move. [main]
+    void GenerateRandomSettingsForMultiParameters();
+
     MBandParameters& BandParameters() noexcept { return parameters_; }
     /// What band `band` adds to the sum; fed while metering is on. [any]
     const MMeter& BandMeter(int band) const { return meters_.at(static_cast<std::size_t>(band)); }
 
 protected:
     void AddParameters(MParameterTable& table) override;
+    void AddStateRecords(MStateRecords& records) override;
+    void FillStage(MArchive::Base base) override;
+    MStateHandOver::Ticket CommitStage() override;
+    void AdoptChanges() noexcept override;
+    void SettleRamps() noexcept override;
     void PrepareEffects() override;
     void ProcessBlock(const float* const* inputs, float* const* outputs, int sampleCount) override;
     void ProcessBypassed(float* channelBuffer, int sampleCount, int channel) override;
@@ -84,28 +107,47 @@ private:
 
     template <class Change>
     void ChangeLayout(Change&& change);
+    int DefaultBandCount();
     void ResetBands(int count);
+    std::vector<MModulationTarget> RandomiserPool(MBandRandomiser::Kind kind);
     void ApplyGlobalChange(bool bandsChanged);
+    MStateHandOver::Ticket PutIntoForce(const MBandParameters::Limits& limits,
+                                        MStateRecords::Values* staged);
     void PrepareBand(int band);
     int LatencyOfLayout();
-    void AdoptSettings() noexcept;
+    void FollowLimits(int sampleCount);
     void FillBlock() noexcept;
+
+    void StoreLayout(MXMLNode node, const MArchive& archive);
+    void StoreBandParameters(MXMLNode node, const MArchive& archive);
+    void SaveBandEffects(MXMLNode node);
+    void LoadBandEffects(MXMLNode node);
+    void LoadLegacyEffect(MXMLNode node);
+    void StageDefaultLimits(int bandCount);
+    MBandParameters::Limits StagedLimits();
     void ProcessBand(int band, const float* const* inputs, float* const* outputs,
                      int count) override;
 
     MBandParameters parameters_;
+    MRandom random_;  // of the randomisers; under the change lock, as the next one
+    MSmartRandom::Locks randomLocks_;
+    const std::span<const MRandomRule> randomRules_;
 
-    MMutex settingsLock_;  // over the next five
+    MMutex settingsLock_;  // over the next two, which only change under the change lock
     MBandLayout layout_;
     MBandOptions options_;
+    // Under the change lock.
+    MBandLayout stagedLayout_;
+    MBandOptions stagedOptions_;
     int publishedBands_ = 0;
     int preparedChannels_ = 0;  // of the next block; 0 before the first InitProcessing
     int preparedRate_ = 0;      // hertz
 
     MBandProcessor processor_;
     MBandDesigner designer_{processor_};
-    MTripleBuffer<InForce> published_;
-    InForce inForce_;   // of the audio thread
-    MBandBlock block_;  // of the audio thread
+    InForce published_;  // under the lock of the hand-over
+    InForce inForce_;    // of the audio thread
+    MBandBlock block_;   // of the audio thread
+    std::atomic<bool> isLegacyState_{false};
     std::array<MMeter, kMaxBands> meters_;
 };

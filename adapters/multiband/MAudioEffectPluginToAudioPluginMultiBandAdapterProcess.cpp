@@ -5,13 +5,30 @@
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::ProcessUpdate() {
     Guard<MExceptionPolicy::Swallow>(
         "MAudioEffectPluginToAudioPluginMultiBandAdapter::ProcessUpdate", [&] {
-            AdoptSettings();
             for (int band = 0; band < inForce_.bandCount; ++band) Effect(band).Update();
         });
 }
 
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::AdoptSettings() noexcept {
-    if (published_.Adopt()) inForce_ = published_.Front();
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::AdoptChanges() noexcept {
+    MAudioEffectPluginToAudioPluginAdapter::AdoptChanges();
+    inForce_ = published_;
+    processor_.TakeDesigns();
+}
+
+// The others may just be prepared on another thread; they start without ramps when they come in.
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::SettleRamps() noexcept {
+    for (int band = 0; band < inForce_.bandCount; ++band) Effect(band).SettleRamps();
+    FillBlock();
+    block_.Arrive();
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::FollowLimits(int sampleCount) {
+    const MBandParameters::Limits limits = parameters_.ReadLimits();
+    if (!designer_.IsDue(limits, sampleCount)) return;
+    HandOver().TryPublish([&] {
+        designer_.Follow(limits);
+        processor_.TakeDesigns();
+    });
 }
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::FillBlock() noexcept {
@@ -31,7 +48,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::FillBlock() noexcept {
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::ProcessBlock(const float* const* inputs,
                                                                    float* const* outputs,
                                                                    int sampleCount) {
-    designer_.Follow(parameters_.ReadLimits(), sampleCount);
+    FollowLimits(sampleCount);
     FillBlock();
     processor_.Process(block_, *this, inputs, outputs, sampleCount);
     block_.Arrive();

@@ -4,6 +4,7 @@
 #include "core/MException.h"
 
 #include <algorithm>
+#include <string>
 
 namespace {
 
@@ -59,4 +60,21 @@ void MBandLayout::SetSolo(int band, bool on) {
 
 void MBandLayout::CheckBand(int band) const {
     if (band < 0 || band >= bandCount) throw MException("Index out of range.");
+}
+
+void MBandLayout::Store(MXMLNode node, const MArchive& archive) {
+    int count = bandCount;
+    archive.Integer(node, "BandCount", count);
+    if (!archive.IsWriting()) {  // a switch that is not there is off
+        mute.fill(false);
+        bypass.fill(false);
+    }
+    // All of them: a smaller count loses nothing.
+    for (int band = 0; band < kMaxBands; ++band) {
+        archive.Switch(node, "Mute" + std::to_string(band), mute[band]);
+        archive.Switch(node, "Bypass" + std::to_string(band), bypass[band]);
+    }
+    CheckBandCount(count);
+    if (count != bandCount) editedBand = count / 2;
+    bandCount = count;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dsp/MCrossoverPoints.h"
+#include "plugin/MArchive.h"
 
 #include <array>
 #include <span>
@@ -32,4 +33,8 @@ struct MBandLayout {
     void SetSolo(int band, bool on);
     /// Throws the same unless `band` runs. [any]
     void CheckBand(int band) const;
+
+    /// Reads or writes the layout as states keep it. Throws MException "Invalid number of bands."
+    /// for such a count; the count stays then, the rest has been read. [main]
+    void Store(MXMLNode node, const MArchive& archive);
 };

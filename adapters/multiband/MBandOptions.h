@@ -3,6 +3,7 @@
 
 #include "adapters/multiband/MBandParameters.h"
 #include "dsp/MAudioFilters.h"
+#include "plugin/MArchive.h"
 
 /// What may be chosen about the bands besides layout and parameters. Plain data.
 struct MBandOptions {
@@ -16,4 +17,7 @@ struct MBandOptions {
     MForcedMix dry;
     bool editsPanorama = false;  ///< the band display of the editor shows panoramas, not gains
     bool isLinked = false;       ///< the editor treats the bands as one
+
+    /// Reads or writes them all. [main]
+    void Store(MXMLNode node, const MArchive& archive);
 };

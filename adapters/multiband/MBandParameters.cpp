@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/multiband/MBandParameters.h"
 
+#include "dsp/MAmplitude.h"
 #include "plugin/values/MValueFrequency.h"
 #include "plugin/values/MValuePan.h"
 
@@ -46,17 +47,22 @@ MBandParameters::MBandParameters() {
     }
 }
 
+template <class Job>
+void MBandParameters::ForEach(Job&& job) {
+    for (ParameterDefinition* const record : {&wet_, &dry_, &inputGain_, &outputGain_}) {
+        job(*record);
+    }
+    for (ParameterDefinition& record : limits_) job(record);
+    for (ParameterDefinition& record : gains_) job(record);
+    for (ParameterDefinition& record : panoramas_) job(record);
+}
+
 void MBandParameters::AddParameters(MParameterTable& table) {
-    const auto add = [&](ParameterDefinition& record) {
-        table.Add(record, record.name, record.name);
-    };
-    add(wet_);
-    add(dry_);
-    add(inputGain_);
-    add(outputGain_);
-    for (ParameterDefinition& record : limits_) add(record);
-    for (ParameterDefinition& record : gains_) add(record);
-    for (ParameterDefinition& record : panoramas_) add(record);
+    ForEach([&](ParameterDefinition& record) { table.Add(record, record.name, record.name); });
+}
+
+void MBandParameters::AddStateRecords(MStateRecords& records) {
+    ForEach([&](ParameterDefinition& record) { records.Add(record); });
 }
 
 MBandParameters::Limits MBandParameters::ReadLimits() const noexcept {
@@ -69,7 +75,7 @@ double MBandParameters::Amplitude::Of(const ParameterDefinition& record) noexcep
     const double now = InForce(record);
     if (now != decibels) {
         decibels = now;
-        linear = std::pow(10.0, now * 0.05);
+        linear = record.IsRedirected() ? MAmplitudeOf(now) : std::pow(10.0, now * 0.05);
     }
     return linear;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "adapters/effect/MParameterTable.h"
+#include "adapters/effect/MStateRecords.h"
 #include "adapters/multiband/MBandBlock.h"
 #include "plugin/parameters/ParameterDefinition.h"
 
@@ -27,6 +28,9 @@ public:
     /// Adds wet, dry, gains, limits, band gains and panoramas, in this order. [setup]
     void AddParameters(MParameterTable& table);
 
+    /// The same records, for the state. [setup]
+    void AddStateRecords(MStateRecords& records);
+
     ParameterDefinition& Wet() noexcept { return wet_; }
     ParameterDefinition& Dry() noexcept { return dry_; }
     ParameterDefinition& InputGain() noexcept { return inputGain_; }
@@ -46,6 +50,9 @@ public:
     void ReadInto(MBandBlock& block, int bandCount, MForcedMix wet, MForcedMix dry) noexcept;
 
 private:
+    template <class Job>
+    void ForEach(Job&& job);
+
     /// A level as amplitude, computed anew only when it has moved. Of the audio thread.
     struct Amplitude {
         double decibels = 0;

@@ -17,38 +17,10 @@ constexpr float kInputCeiling = 1e15f;
 
 constexpr MLinearRamp kUnity{1, 0};
 
-/// How a band's sum is made up, without the places in memory that change from channel to channel.
-struct Mix {
-    bool hasOutput = false;
-    bool hasInput = false;
-    MLinearRamp wet, dry;
-};
-
-Mix MixOf(const MBandBlock& block, bool isBypassed, int count) noexcept {
-    if (isBypassed) return {false, true, kUnity, kUnity};
-    const bool moves = !block.wet.IsStill() || !block.dry.IsStill();
-    const bool hasOutput = moves || block.wet.from != 0;
-    return {hasOutput, moves || block.dry.from != 0 || !hasOutput, block.wet.Linear(count),
-            block.dry.Linear(count)};
-}
-
-MBandSum SumOf(const Mix& mix, const float* output, const float* input) noexcept {
-    MBandSum sum;
-    if (!mix.hasOutput) {
-        sum.first = {input, mix.dry};
-        return sum;
-    }
-    sum.first = {output, mix.wet};
-    if (mix.hasInput) sum.second = {input, mix.dry};
-    return sum;
-}
-
-bool IsUnity(const MLinearRamp& ramp) noexcept { return ramp.start == 1 && ramp.step == 0; }
-
 /// Whether the sum is in its place already.
 bool IsDone(const MBandSum& sum, const float* destination) noexcept {
     return sum.first.samples == destination && sum.second.samples == nullptr && !sum.adds &&
-           sum.gain == 1 && IsUnity(sum.first.gain);
+           sum.gain == 1 && sum.first.gain == 1 && sum.first.gains == nullptr;
 }
 
 /// An effect for runs that only warm up.
@@ -77,8 +49,14 @@ void MBandProcessor::Prepare(int channels) {
     channels_ = channels;
 }
 
+void MBandProcessor::TakeDesigns() noexcept {
+    analog_.BeginBlock();
+    linearPhase_.BeginBlock();
+}
+
 void MBandProcessor::Reserve(const MBandBlock& block, int count) {
     if (channels_ == 0 || count <= 0) return;
+    TakeDesigns();
     std::vector<float> silence(static_cast<std::size_t>(count)), output(silence.size());
     std::array<const float*, kMaxChannels> inputs{};
     Pointers outputs{};
@@ -122,10 +100,8 @@ void MBandProcessor::Process(const MBandBlock& block, MBandEffects& effects,
                              const float* const* inputs, float* const* outputs, int count) {
     if (channels_ == 0 || count <= 0) return;
     const MFlushDenormals flush;
-    analog_.BeginBlock();
-    linearPhase_.BeginBlock();
 
-    Work work{block, PickSplitter(block), 1, count, {}, {}, {}};
+    Work work{block, PickSplitter(block), 1, count, {}, {}, {}, {}};
     work.bandCount = BandCount(block, work.splitter);
     if (work.bandCount <= 1) {  // of a crossover that nobody has designed for several bands yet
         work.splitter = Splitter::None;
@@ -141,6 +117,7 @@ void MBandProcessor::Process(const MBandBlock& block, MBandEffects& effects,
     } else {
         std::copy_n(outputs, channels_, work.outputs.begin());
     }
+    work.mix = MakeMix(block, count);
     // From here on the inputs are not needed any more: the outputs may take their place.
     Split(work, inputs);
 
@@ -218,12 +195,41 @@ void MBandProcessor::Pan(const Work& work, int band) const {
                  work.count);
 }
 
+// Wet and dry are the same for every band and channel: what moves is reckoned once.
+MBandProcessor::Mix MBandProcessor::MakeMix(const MBandBlock& block, int count) {
+    float* const gains = mixGains_.Get(2 * count);
+    Mix mix{.wet = static_cast<float>(block.wet.from), .dry = static_cast<float>(block.dry.from)};
+    mix.hasOutput = block.wet.from != 0;
+    mix.hasInput = block.dry.from != 0;
+    if (block.wet.IsStill() && block.dry.IsStill()) return mix;
+    kernels_.tabulate(block.wet.Linear(count), gains, count);
+    kernels_.tabulate(block.dry.Linear(count), gains + count, count);
+    mix.wets = gains;
+    mix.dries = gains + count;
+    mix.hasOutput = mix.hasInput = true;
+    return mix;
+}
+
+MBandSum MBandProcessor::Mix::Sum(bool isBypassed, const float* output,
+                                  const float* input) const noexcept {
+    MBandSum sum;
+    if (isBypassed) {
+        sum.first.samples = input;
+    } else if (hasOutput) {
+        sum.first = {output, wet, wets};
+        if (hasInput) sum.second = {input, dry, dries};
+    } else {
+        sum.first = {input, dry, dries};
+    }
+    return sum;
+}
+
 void MBandProcessor::AddBand(const Work& work, int band, bool adds, float* const* outputs) const {
-    const Mix mix = MixOf(work.block, work.block.bands[band].isBypassed, work.count);
+    const bool isBypassed = work.block.bands[band].isBypassed;
     MMeter* const meters = work.block.bandMeters;
     std::array<MBlockLevels, kMaxChannels> levels;
     for (int c = 0; c < channels_; ++c) {
-        MBandSum sum = SumOf(mix, work.outputs[c], work.inputs[band][c]);
+        MBandSum sum = work.mix.Sum(isBypassed, work.outputs[c], work.inputs[band][c]);
         sum.gain = static_cast<float>(work.block.outputGain.from);
         sum.adds = adds;
         if (meters == nullptr && IsDone(sum, outputs[c])) continue;
@@ -236,7 +242,6 @@ void MBandProcessor::ProcessBypassed(const MBandBlock& block, float* samples, in
                                      int channel) noexcept {
     if (channel < 0 || channel >= channels_ || PickSplitter(block) != Splitter::Analog) return;
     const MFlushDenormals flush;
-    analog_.BeginBlock();
     std::array<double, MAnalogPairState::kPiece> piece{};
     for (int first = 0; first < count; first += MAnalogPairState::kPiece) {
         const int portion = std::min(MAnalogPairState::kPiece, count - first);

@@ -28,9 +28,12 @@ public:
     int Channels() const noexcept { return channels_; }
 
     /// The crossovers, to be designed by one thread at a time. A design is in use from the next
-    /// block on. [main]
+    /// TakeDesigns on. [main]
     MAnalogCrossover& Analog() noexcept { return analog_; }
     MLinearPhaseCrossover& LinearPhase() noexcept { return linearPhase_; }
+
+    /// Takes over the newest designs; before a block, or never in the course of one. [audio]
+    void TakeDesigns() noexcept;
 
     /// Makes the memory that Process would make on its first block of `count` frames with the bands
     /// and the crossover of `block`. Starts from silence. [setup]
@@ -61,15 +64,26 @@ private:
     enum class Splitter { None, Analog, LinearPhase };
     using Pointers = std::array<float*, kMaxChannels>;
 
+    /// Wet and dry of one block, without the places in memory that change from band to band.
+    struct Mix {
+        MBandSum Sum(bool isBypassed, const float* output, const float* input) const noexcept;
+
+        float wet = 1, dry = 1;
+        const float* wets = nullptr;  // a gain per sample, while either moves
+        const float* dries = nullptr;
+        bool hasOutput = true, hasInput = true;
+    };
+
     /// What one block needs on its way.
     struct Work {
         const MBandBlock& block;
-        Splitter splitter;
-        int bandCount;
-        int count;  // frames
-        std::array<MRampEnds, kMaxCrossoverBands> gains;
-        std::array<Pointers, kMaxCrossoverBands> inputs;
-        Pointers outputs;  // of the band whose effect runs
+        Splitter splitter = Splitter::None;
+        int bandCount = 1;
+        int count = 0;  // frames
+        std::array<MRampEnds, kMaxCrossoverBands> gains{};
+        std::array<Pointers, kMaxCrossoverBands> inputs{};
+        Pointers outputs{};  // of the band whose effect runs
+        Mix mix;
     };
 
     Splitter PickSplitter(const MBandBlock& block) const noexcept;
@@ -81,6 +95,7 @@ private:
     void SplitLinearPhase(const Work& work, const float* const* inputs);
     void CopyToBands(const Work& work, const float* const* inputs);
     void Pan(const Work& work, int band) const;
+    Mix MakeMix(const MBandBlock& block, int count);
     void AddBand(const Work& work, int band, bool adds, float* const* outputs) const;
 
     const MBandKernels& kernels_ = *Kernels().bands;
@@ -93,5 +108,6 @@ private:
     std::vector<MLinearPhaseChannelState> linearStates_;  // a channel each
     std::array<MGrowingBuffer<float>, kMaxCrossoverBands> bandInputs_;
     MGrowingBuffer<float> bandOutput_;
-    MGrowingBuffer<float> cleaned_;  // one channel on its way to the linear-phase crossover
+    MGrowingBuffer<float> mixGains_;  // of the wet and the dry sound, where they move
+    MGrowingBuffer<float> cleaned_;   // one channel on its way to the linear-phase crossover
 };

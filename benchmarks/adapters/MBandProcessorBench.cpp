@@ -106,6 +106,7 @@ void RunBlock(benchmark::State& state, const Work& work, MBandBlock block, int c
     Channels input(2, count), output(2, count);
     input.FillWithNoise(1, kLevel);
     for (auto _ : state) {
+        processor.TakeDesigns();
         processor.Process(block, effects, input.Constants(), output.Pointers(), count);
         benchmark::ClobberMemory();
     }

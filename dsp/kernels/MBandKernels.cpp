@@ -6,20 +6,14 @@
 namespace M_KERNEL_NAMESPACE {
 namespace {
 
-/// The value of `ramp` for the lanes from sample `i` on: reckoned in doubles, rounded once.
-template <class F>
-inline F At(const MLinearRamp& ramp, int i) noexcept;
-
-template <>
-inline float At<float>(const MLinearRamp& ramp, int i) noexcept {
-    return static_cast<float>(ramp.start + static_cast<double>(i) * ramp.step);
+/// The value of `ramp` for `lanes`: reckoned in doubles, rounded once.
+inline float At(const MLinearRamp& ramp, Lanes<float> lanes) noexcept {
+    return static_cast<float>(ramp.start + lanes.number * ramp.step);
 }
 
-template <>
-inline WideFloats At<WideFloats>(const MLinearRamp& ramp, int i) noexcept {
-    const Doubles index = static_cast<double>(i) + Lanes<Doubles>::Iota();
-    const Doubles further = index + static_cast<double>(kWidth);
-    const Floats low = Narrow(ramp.start + index * ramp.step);
+inline WideFloats At(const MLinearRamp& ramp, Lanes<WideFloats> lanes) noexcept {
+    const Doubles further = lanes.number + static_cast<double>(kWidth);
+    const Floats low = Narrow(ramp.start + lanes.number * ramp.step);
     const Floats high = Narrow(ramp.start + further * ramp.step);
 #ifdef M_KERNEL_v3
     return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
@@ -31,12 +25,12 @@ inline WideFloats At<WideFloats>(const MLinearRamp& ramp, int i) noexcept {
 inline bool IsStill(const MLinearRamp& ramp) noexcept { return ramp.step == 0.0; }
 
 /// The value of a ramp that stands still or not; what stands still is splatted outside the loop.
-template <class F, bool isStill>
-inline F Gain(const MLinearRamp& ramp, float still, int i) noexcept {
+template <bool isStill, class L>
+inline auto Gain(const MLinearRamp& ramp, float still, L lanes) noexcept {
     if constexpr (isStill) {
-        return F{} + still;
+        return typename L::Type{} + still;
     } else {
-        return At<F>(ramp, i);
+        return At(ramp, lanes);
     }
 }
 
@@ -46,7 +40,7 @@ void TakeInputAs(const float* in, const MLinearRamp& gain, float ceiling, float*
     const float still = static_cast<float>(gain.start);
     ForEachFloat(count, [=](int i, auto lanes) {
         using F = typename decltype(lanes)::Type;
-        Store(out + i, Cleaned(Load<F>(in + i), ceiling) * Gain<F, isStill>(gain, still, i));
+        Store(out + i, Cleaned(Load<F>(in + i), ceiling) * Gain<isStill>(gain, still, lanes));
     });
 }
 
@@ -61,17 +55,39 @@ void PanAs(const MLinearRamp& panorama, float* left, float* right, int count) no
     ForEachFloat(count, [=](int i, auto lanes) {
         using F = typename decltype(lanes)::Type;
         const F zero = F{};
-        const F place = Gain<F, isStill>(panorama, still, i);
-        const F toRight = place > zero ? place : zero;
-        const F toLeft = place < zero ? -place : zero;
+        const F place = Gain<isStill>(panorama, still, lanes);
+        const F toRight = Larger(place, zero), toLeft = Larger(-place, zero);
         const F l = Load<F>(left + i), r = Load<F>(right + i);
         Store(left + i, (1.0f - toRight) * l + toLeft * r);
         Store(right + i, (1.0f - toLeft) * r + toRight * l);
     });
 }
 
+/// A way that stays on one side of the middle: nothing goes to the other side.
+void PanOneWay(const MLinearRamp& share, float* from, float* to, int count) noexcept {
+    ForEachFloat(count, [=](int i, auto lanes) {
+        using F = typename decltype(lanes)::Type;
+        const F passed = At(share, lanes);
+        const F x = Load<F>(from + i);
+        Store(from + i, (1.0f - passed) * x);
+        Store(to + i, Load<F>(to + i) + passed * x);
+    });
+}
+
 void Pan(const MLinearRamp& panorama, float* left, float* right, int count) noexcept {
+    const double start = panorama.start, end = start + count * panorama.step;
+    if (!IsStill(panorama) && start >= 0 && end >= 0) {
+        return PanOneWay(panorama, left, right, count);
+    }
+    if (!IsStill(panorama) && start <= 0 && end <= 0) {
+        return PanOneWay({-start, -panorama.step}, right, left, count);
+    }
     (IsStill(panorama) ? PanAs<true> : PanAs<false>)(panorama, left, right, count);
+}
+
+void Tabulate(const MLinearRamp& given, float* values, int count) noexcept {
+    ForEachFloat(count,
+                 [=, ramp = given](int i, auto lanes) { Store(values + i, At(ramp, lanes)); });
 }
 
 /// Levels are gathered in eight lanes and put together in one order, so that the width of the build
@@ -84,7 +100,7 @@ struct Gatherer {
 
     void Take(int part, WideFloats x) noexcept {
         const WideFloats size = x < WideFloats{} ? -x : x;
-        peaks[part] = size > peaks[part] ? size : peaks[part];
+        peaks[part] = Larger(size, peaks[part]);
         squares[part] += x * x;
     }
 
@@ -106,16 +122,20 @@ struct Gatherer {
     }
 };
 
-struct StillGains {
-    float first, second;
-};
+template <class F, bool isStill>
+inline F Scaled(const MScaledSound& sound, int i) noexcept {
+    const F x = Load<F>(sound.samples + i);
+    if constexpr (isStill) {
+        return x * sound.gain;
+    } else {
+        return x * Load<F>(sound.gains + i);
+    }
+}
 
 template <class F, bool isStill, bool hasSecond>
-inline F Sum(const MBandSum& sum, const StillGains& still, int i) noexcept {
-    F x = Load<F>(sum.first.samples + i) * Gain<F, isStill>(sum.first.gain, still.first, i);
-    if constexpr (hasSecond) {
-        x += Load<F>(sum.second.samples + i) * Gain<F, isStill>(sum.second.gain, still.second, i);
-    }
+inline F Sum(const MBandSum& sum, int i) noexcept {
+    F x = Scaled<F, isStill>(sum.first, i);
+    if constexpr (hasSecond) x += Scaled<F, isStill>(sum.second, i);
     return x;
 }
 
@@ -132,15 +152,13 @@ template <bool isStill, bool hasSecond, bool adds, bool measures>
 void AddBandAs(const MBandSum& given, float* destination, MBlockLevels* levels,
                int count) noexcept {
     const MBandSum sum = given;
-    const StillGains still = {static_cast<float>(sum.first.gain.start),
-                              static_cast<float>(sum.second.gain.start)};
     Gatherer gatherer;
     int i = 0;
     for (; i + kGathered <= count; i += kGathered) {
 #pragma GCC unroll 2
         for (int part = 0; part < kParts; ++part) {
             const int at = i + part * kFloatWidth;
-            const WideFloats x = Sum<WideFloats, isStill, hasSecond>(sum, still, at);
+            const WideFloats x = Sum<WideFloats, isStill, hasSecond>(sum, at);
             if constexpr (measures) gatherer.Take(part, x);
             Put<WideFloats, adds>(destination + at, x, sum.gain);
         }
@@ -148,7 +166,7 @@ void AddBandAs(const MBandSum& given, float* destination, MBlockLevels* levels,
     float rest[kGathered];
     int left = 0;
     for (; i < count; ++i) {
-        const float x = Sum<float, isStill, hasSecond>(sum, still, i);
+        const float x = Sum<float, isStill, hasSecond>(sum, i);
         rest[left++] = x;
         Put<float, adds>(destination + i, x, sum.gain);
     }
@@ -169,7 +187,7 @@ AddBandForm PickAddBand(bool adds, bool measures) noexcept {
 
 void AddBand(const MBandSum& sum, float* destination, MBlockLevels* levels, int count) noexcept {
     const bool hasSecond = sum.second.samples != nullptr;
-    const bool isStill = IsStill(sum.first.gain) && (!hasSecond || IsStill(sum.second.gain));
+    const bool isStill = sum.first.gains == nullptr;
     const bool measures = levels != nullptr;
     const AddBandForm form = isStill ? (hasSecond ? PickAddBand<true, true>(sum.adds, measures)
                                                   : PickAddBand<true, false>(sum.adds, measures))
@@ -197,6 +215,7 @@ extern const MBandKernels kBandKernels;
 const MBandKernels kBandKernels = {
     .takeInput = TakeInput,
     .pan = Pan,
+    .tabulate = Tabulate,
     .addBand = AddBand,
     .measure = Measure,
 };

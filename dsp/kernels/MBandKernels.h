@@ -12,15 +12,16 @@ struct MBlockLevels {
 /// One part of a sum. An absent one has no samples.
 struct MScaledSound {
     const float* samples = nullptr;
-    MLinearRamp gain{1, 0};
+    float gain = 1;
+    const float* gains = nullptr;  ///< a gain per sample in the place of `gain`; null for none
 };
 
 /// What becomes of a band: (first + second) * gain, into the destination or onto it.
 struct MBandSum {
-    MScaledSound first;  ///< never absent; may be the destination
-    MScaledSound second;
-    float gain = 1;     ///< applied after the levels were taken
-    bool adds = false;  ///< to what the destination holds
+    MScaledSound first;   ///< never absent; may be the destination
+    MScaledSound second;  ///< has gains per sample if the first one has
+    float gain = 1;       ///< applied after the levels were taken
+    bool adds = false;    ///< to what the destination holds
 };
 
 /// The hot loops around the bands' effects. Samples are floats, no pointers need an alignment, and
@@ -33,6 +34,9 @@ struct MBandKernels {
 
     /// Moves the pair towards one side, in place: what one side loses the other gets.
     void (*pan)(const MLinearRamp& panorama, float* left, float* right, int count) noexcept;
+
+    /// The values of `ramp`, each rounded once.
+    void (*tabulate)(const MLinearRamp& ramp, float* values, int count) noexcept;
 
     /// Adds up a band. `levels` are those of the sum without `gain`; null when nobody wants them.
     void (*addBand)(const MBandSum& sum, float* destination, MBlockLevels* levels,

@@ -57,6 +57,7 @@ inline void RunInPlace(MBandProcessor& processor, const MBandBlock& block, MBand
                        Sound& sound, int first, int count) {
     std::array<float*, MBandProcessor::kMaxChannels> channels{};
     for (std::size_t c = 0; c < sound.size(); ++c) channels[c] = sound[c].data() + first;
+    processor.TakeDesigns();
     processor.Process(block, effects, channels.data(), channels.data(), count);
 }
 

@@ -34,11 +34,17 @@ std::vector<std::vector<float>> RunEverything(const MBandKernels& kernels, int c
         results.push_back(left);
         results.push_back(right);
         kernels.pan(gain, left.data(), right.data(), count);
+        std::vector<float> gains(left.size()), others(left.size());
+        kernels.tabulate(gain, gains.data(), count);
+        kernels.tabulate({0.3, -step}, others.data(), count);
         for (const bool adds : {false, true}) {
             for (const bool hasSecond : {false, true}) {
                 for (const bool isMeasured : {false, true}) {
-                    MBandSum sum{{left.data(), gain}, {}, 0.7f, adds};
-                    if (hasSecond) sum.second = {right.data(), {0.3, -step}};
+                    const bool moves = step != 0;
+                    MBandSum sum{
+                        {left.data(), -0.6f, moves ? gains.data() : nullptr}, {}, 0.7f, adds};
+                    if (hasSecond)
+                        sum.second = {right.data(), 0.3f, moves ? others.data() : nullptr};
                     std::vector<float> destination = results[0];
                     MBlockLevels level;
                     kernels.addBand(sum, destination.data(), isMeasured ? &level : nullptr, count);
@@ -69,7 +75,7 @@ TEST(MBandKernels, LevelsAreThoseOfTheSumBeforeItsGain) {
     const std::vector<float> sound = {0.5f, -2, 1, 0, 0, 0, 0, 0, 0, 0, 3};
     std::vector<float> destination(sound.size(), 100);
     MBlockLevels levels;
-    Kernels().bands->addBand({{sound.data(), {2, 0}}, {sound.data(), {-1, 0}}, 0.1f, true},
+    Kernels().bands->addBand({{sound.data(), 2}, {sound.data(), -1}, 0.1f, true},
                              destination.data(), &levels, 11);
     EXPECT_FLOAT_EQ(levels.peak, 3);
     EXPECT_FLOAT_EQ(levels.squares, 0.25f + 4 + 1 + 9);

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/effect/MStateRecords.h"
+
+#include "core/MException.h"
+
+#include <algorithm>
+
+void MStateRecords::Add(ParameterDefinition& record) { records_.push_back(&record); }
+
+void MStateRecords::Add(MHostedEffect& effect) {
+    for (ParameterDefinition& record : effect.Records()) Add(record);
+    effects_.push_back(&effect);
+}
+
+MStateRecords::Values MStateRecords::Current() const {
+    Values values;
+    for (const ParameterDefinition* const record : records_) values.push_back(record->Value());
+    return values;
+}
+
+MStateRecords::Values MStateRecords::Defaults() const {
+    Values values;
+    for (const ParameterDefinition* const record : records_) values.push_back(record->defaultValue);
+    return values;
+}
+
+std::size_t MStateRecords::Find(const ParameterDefinition& record) const {
+    const auto found = std::find(records_.begin(), records_.end(), &record);
+    if (found == records_.end()) throw MException("Index out of range.");
+    return static_cast<std::size_t>(found - records_.begin());
+}
+
+double& MStateRecords::Of(const ParameterDefinition& record, Values& values) const {
+    return values.at(Find(record));
+}
+
+std::span<double> MStateRecords::Of(const MHostedEffect& effect, Values& values) const {
+    if (effect.Records().empty()) return {};
+    return std::span(values).subspan(Find(effect.Records().front()), effect.Records().size());
+}
+
+// Every effect is marked, whether or not its values differ: another thread may be writing the same
+// ones at this moment, without having come to its marks.
+void MStateRecords::Apply(const Values& values) const noexcept {
+    for (std::size_t i = 0; i < records_.size(); ++i) {
+        ParameterDefinition& record = *records_[i];
+        record.SetValue(values[i]);
+        // A host's write that nobody has taken for the knob's yet would undo what is loaded.
+        if (record.IsRedirected()) record.SetSecondary(values[i]);
+    }
+    for (MHostedEffect* const effect : effects_) effect->Mark(-1);
+}

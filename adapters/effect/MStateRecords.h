@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "adapters/effect/MHostedEffect.h"
+#include "plugin/parameters/ParameterDefinition.h"
+
+#include <span>
+#include <vector>
+
+/// The records whose values belong to a plug-in's state, in one order, so that a state's values are
+/// a plain list of numbers: read, changed and put into force as a whole.
+class MStateRecords {
+public:
+    using Values = std::vector<double>;
+
+    /// Adds a record of the plug-in itself, or all of an effect (borrowed). [setup]
+    void Add(ParameterDefinition& record);
+    void Add(MHostedEffect& effect);
+
+    /// The records' own values, or their defaults. [main]
+    Values Current() const;
+    Values Defaults() const;
+
+    /// The place of a record's value in `values`. Throws MException for one that was not added.
+    /// [main]
+    double& Of(const ParameterDefinition& record, Values& values) const;
+    /// The places of an effect's values, in the order of its records. Throws the same. [main]
+    std::span<double> Of(const MHostedEffect& effect, Values& values) const;
+
+    /// Writes all values into the records and lets the effects follow. Takes no lock. [any]
+    void Apply(const Values& values) const noexcept;
+
+private:
+    std::size_t Find(const ParameterDefinition& record) const;
+
+    std::vector<ParameterDefinition*> records_;
+    std::vector<MHostedEffect*> effects_;
+};

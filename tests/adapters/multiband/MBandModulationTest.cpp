@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/multiband/MAudioEffectPluginToAudioPluginMultiBandAdapter.h"
+#include "core/MFormat.h"
+#include "tests/support/ProbeEffect.h"
+#include "tests/support/RunPlugin.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <numbers>
+#include <tuple>
+
+namespace {
+
+using MultiBand = MAudioEffectPluginToAudioPluginMultiBandAdapter;
+using Kind = MBandRandomiser::Kind;
+
+std::unique_ptr<MultiBand> Make(int bands) {
+    auto plugin = std::make_unique<MultiBand>(
+        MEffectAdapterParts{{}, ProbeEffect::Reset(), {}, nullptr, nullptr});
+    plugin->Initialize();
+    plugin->CreateDefaultBands(bands);
+    plugin->SetSampleRate(48000);
+    plugin->InitProcessing();
+    return plugin;
+}
+
+/// What the modulators have, a line each: parameter, inversion, and the ends of its way.
+std::string Dealt(Kind kind, int bands, std::uint32_t seed) {
+    const auto plugin = Make(bands);
+    MModulationSettings settings = plugin->Modulation().Settings();
+    for (auto& modulator : settings.modulators) {
+        modulator.targets.assign(3, plugin->Modulation().MakeTarget("Wet"));
+    }
+    plugin->Modulation().SetSettings(settings);
+    plugin->SetRandomSeed(seed);
+    plugin->RandomizeBandModulation(kind);
+    std::string text;
+    for (const auto& modulator : plugin->Modulation().Settings().modulators) {
+        for (const MModulationTarget& target : modulator.targets) {
+            if (target.id == "Wet") {
+                text += "-,";
+                continue;
+            }
+            const MTargetMotion& motion = target.motion;
+            const bool isRange = motion.mode == MTargetMode::Range;
+            text += MFormat("{0}{1} {2.4} {3.4},", target.id.substr(5),
+                            motion.isInverted ? "!" : "", isRange ? motion.minimum : motion.centre,
+                            isRange ? motion.maximum : motion.depth);
+        }
+        text += "\n";
+    }
+    return text;
+}
+
+/// The largest step from one sample to the next of a sine through two bands, from `from` on.
+double LargestStep(bool isSwept) {
+    const auto plugin = Make(2);
+    plugin->BandParameters().Limit(0).SetValue(2);  // 100 Hz
+    if (isSwept) {
+        MLFOSettings settings;
+        settings.modulator.isEnabled = true;
+        settings.modulator.rate = 2;
+        MModulationTarget target = plugin->Modulation().MakeTarget("Band limit 1");
+        target.motion.depth = 2 * std::log10(2.0) / 3;  // two octaves of three decades
+        settings.targets = {target};
+        plugin->Modulation().SetModulator(0, settings);
+    }
+    Channels input(2, 96000), output(2, 96000);
+    for (int c = 0; c < 2; ++c) {
+        for (int i = 0; i < input.Length(); ++i) {
+            input[c][i] = static_cast<float>(std::sin(2 * std::numbers::pi * 100 * i / 48000));
+        }
+    }
+    RunPlugin(*plugin, input, output, 512);
+    float largest = 0;
+    for (int i = 24000; i < 96000; ++i) {
+        largest = std::max(largest, std::fabs(output[0][i] - output[0][i - 1]));
+    }
+    return static_cast<double>(largest);
+}
+
+}  // namespace
+
+TEST(MBandModulation, SweepsALimitWithoutAClick) {
+    EXPECT_LT(20 * std::log10(LargestStep(true) / LargestStep(false)), 1);
+}
+
+TEST(MBandModulation, DealsTheSameForTheSameSeed) {
+    const std::tuple<Kind, int, std::uint32_t, std::string> rows[] = {
+        {Kind::Limits, 6, 1U,
+         "limit 3 0.4420 0.5850,limit 1! 0.1784 0.2863,limit 5! 0.7153 0.8572,limit 4! 0.5850 "
+         "0.7153,\n"
+         "limit 2 0.2863 0.4420,\n"
+         "-,-,-,\n"
+         "-,-,-,\n"},
+        {Kind::LimitsOverlapping, 6, 12345U,
+         "limit 3 0.1532 0.7291,limit 1! 0.1532 0.5758,limit 2 0.1532 0.8637,limit 5 0.5758 "
+         "0.8637,\n"
+         "limit 4 0.2867 0.8637,\n"
+         "-,-,-,\n"
+         "-,-,-,\n"},
+        {Kind::Gains, 2, 99U,
+         "gain 2 0.5000 0.3000,gain 1! 0.5000 0.3000,\n"
+         "-,-,-,\n"
+         "-,-,-,\n"
+         "-,-,-,\n"},
+        {Kind::Panorama, 6, 4294967295U,
+         "panorama 3 0.5000 0.8000,panorama 4! 0.5000 0.8000,panorama 1! 0.5000 0.8000,panorama 2! "
+         "0.5000 0.8000,panorama 6! 0.5000 0.8000,panorama 5 0.5000 0.8000,\n"
+         "-,-,-,\n"
+         "-,-,-,\n"
+         "-,-,-,\n"},
+        {Kind::Limits, 2, 3U,
+         "limit 1 0.3743 0.6257,\n"
+         "-,-,-,\n"
+         "-,-,-,\n"
+         "-,-,-,\n"},
+    };
+    for (const auto& [kind, bands, seed, dealt] : rows) EXPECT_EQ(Dealt(kind, bands, seed), dealt);
+    EXPECT_EQ(Dealt(Kind::Limits, 1, 1), "-,-,-,\n-,-,-,\n-,-,-,\n-,-,-,\n") << "nothing to deal";
+}
