@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "hosts/vst2/AudioEffectX.h"
+#include "hosts/vst2/MVSTAccumulator.h"
+#include "hosts/vst2/MVSTMidiQueue.h"
+#include "hosts/vst2/MVSTTransport.h"
+#include "plugin/MAudioPlugin.h"
+#include "plugin/MAudioPluginAdapter.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace Vst2 {
+
+/// The plug-in in a VST 2.4 host: forwards and guards, nothing else. Programs are not offered,
+/// since the plug-in has presets of its own. Nothing thrown leaves an operation; a failure is
+/// reported with the operation's name and the host gets a neutral answer.
+class MAudioPluginVSTAdapter : public AudioEffectX, public MAudioPluginAdapter {
+public:
+    class MEditor;
+
+    /// Takes the plug-in over and makes it ready to run. Throws MException when that fails, which
+    /// has been reported. [setup]
+    MAudioPluginVSTAdapter(AudioMasterCallback host, VstInt32 uniqueID,
+                           std::shared_ptr<MAudioPlugin> plugin);
+    ~MAudioPluginVSTAdapter() override;
+
+    void resume() override;
+    /// Rates of 100 Hz and less, with which hosts probe, leave the plug-in as it is. [main]
+    void setSampleRate(float rate) override;
+    void setBlockSize(VstInt32 frames) override;
+
+    void process(float** inputs, float** outputs, VstInt32 frames) override;
+    void processReplacing(float** inputs, float** outputs, VstInt32 frames) override;
+    VstInt32 processEvents(const VstEvents* events) override;
+
+    void setParameter(VstInt32 index, float value) override;
+    float getParameter(VstInt32 index) override;
+    /// The parameter's short key, not its long name: hosts have room for little. [main]
+    void getParameterName(VstInt32 index, char* text) override;
+    void getParameterDisplay(VstInt32 index, char* text) override;
+    void getParameterLabel(VstInt32 index, char* text) override;
+    bool string2parameter(VstInt32 index, const char* text) override;
+
+    /// Programs and banks are the same bytes. [main]
+    VstInt32 getChunk(void** data, bool isPreset) override;
+    /// Answers 1 always: hosts show what else they get as a fault of the whole session. [main]
+    VstInt32 setChunk(const void* data, VstInt32 byteSize, bool isPreset) override;
+
+    bool getInputProperties(VstInt32 index, VstPinProperties* properties) override;
+    bool getOutputProperties(VstInt32 index, VstPinProperties* properties) override;
+    /// Takes at most the channels that the plug-in was made with. [main]
+    bool setSpeakerArrangement(const VstSpeakerArrangement* input,
+                               const VstSpeakerArrangement* output) override;
+
+    bool getEffectName(char* text) override;
+    bool getVendorString(char* text) override;
+    bool getProductString(char* text) override;
+    VstInt32 getVendorVersion() override { return 1; }
+    VstInt32 canDo(const char* text) override;
+    void dispatched() override;
+
+    void SendBypassAutomation(bool on) override;
+    void GenerateMIDIEvent(int deltaFrames, const std::array<std::uint8_t, 4>& data) override;
+    /// This and ReportParameterChanges reach the host at once on the thread that it made the
+    /// plug-in on; from any other, such as the one that loads presets, with the host's next call: a
+    /// host may wait for its own thread when it is told something. [any]
+    void ReportLatency() override;
+    void ChangeEditorSize(int width, int height) override;
+    void SendParameterAutomation(std::uint32_t identifier, double x) override;
+    void ReportParameterChanges() override;
+
+    /// Hands a MIDI message to the plug-in at the start of the next block. [any]
+    void QueueMIDIEvent(int deltaFrames, const std::array<std::uint8_t, 4>& data);
+
+private:
+    void SetUp(VstInt32 uniqueID);
+    void SetUpChannels();
+    bool FillPin(VstInt32 index, int channelCount, VstPinProperties& pin) const;
+    int CreatedChannelsPerBus() const noexcept { return created_.outputs; }
+
+    template <class Tell>
+    void TellHost(std::atomic<bool>& waits, Tell&& tell);
+
+    void PerformProcessing(float** inputs, float** outputs, VstInt32 frames, bool replacing);
+    void PrepareProcessing();
+    void DeliverQueuedMIDIEvents();
+    void SendQueuedMIDIEvents();
+
+    MBusLayout created_;    // the widest that the host may ask for
+    bool isSetUp_ = false;  // before that, hosts write parameters that they have not read yet
+    std::vector<std::uint8_t> lastChunk_;  // the host reads it after getChunk has returned
+    bool wantsHostTime_ = false;           // what every block reads: from here on
+    const std::thread::id homeThread_ = std::this_thread::get_id();
+    std::atomic<bool> latencyWaits_{false};  // to be told to the host
+    std::atomic<bool> changesWait_{false};
+    const std::shared_ptr<MAudioPlugin> plugin_;  // with whatever else it needs to live
+    MVSTTransport transport_;
+    MVSTMidiQueue incoming_;
+    MVSTMidiQueue outgoing_;
+    MVSTAccumulator accumulator_;
+};
+
+/// Makes an instance for a host that has just called the library's entry; null when the host does
+/// not say its version or the plug-in cannot be made. [main]
+AEffect* CreateEffect(AudioMasterCallback host, VstInt32 uniqueID,
+                      std::shared_ptr<MAudioPlugin> (*makePlugin)());
+
+}  // namespace Vst2

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "core/MGuard.h"
+#include "hosts/vst2/MAudioPluginVSTAdapter.h"
+#include "hosts/vst2/MVSTText.h"
+
+namespace Vst2 {
+
+namespace {
+
+/// Hosts' indices and the plug-in's identifiers are the same numbers; the plug-in knows what to do
+/// with one that no parameter has.
+std::uint32_t Identifier(VstInt32 index) noexcept { return static_cast<std::uint32_t>(index); }
+
+}  // namespace
+
+void MAudioPluginVSTAdapter::setParameter(VstInt32 index, float value) {
+    Guard("MAudioPluginVSTAdapter::setParameter", [&] {
+        if (isSetUp_) plugin_->SetParameter(Identifier(index), static_cast<double>(value), false);
+    });
+}
+
+float MAudioPluginVSTAdapter::getParameter(VstInt32 index) {
+    return Guard("MAudioPluginVSTAdapter::getParameter", 0.0f,
+                 [&] { return static_cast<float>(plugin_->GetParameter(Identifier(index))); });
+}
+
+void MAudioPluginVSTAdapter::getParameterName(VstInt32 index, char* text) {
+    Guard("MAudioPluginVSTAdapter::getParameterName", [&] {
+        CopyText(plugin_->GetParameterID(Identifier(index)), kLongestParameterText, text);
+    });
+}
+
+void MAudioPluginVSTAdapter::getParameterDisplay(VstInt32 index, char* text) {
+    Guard("MAudioPluginVSTAdapter::getParameterDisplay", [&] {
+        CopyText(plugin_->GetParameterValueName(Identifier(index)), kLongestParameterText, text);
+    });
+}
+
+void MAudioPluginVSTAdapter::getParameterLabel(VstInt32 index, char* text) {
+    Guard("MAudioPluginVSTAdapter::getParameterLabel", [&] {
+        CopyText(plugin_->GetParameterUnitsName(Identifier(index)), kLongestParameterText, text);
+    });
+}
+
+bool MAudioPluginVSTAdapter::string2parameter(VstInt32 index, const char* text) {
+    return Guard("MAudioPluginVSTAdapter::string2parameter", false, [&] {
+        if (index < 0 || index >= plugin_->ParameterCount()) return false;
+        if (text == nullptr) return true;
+        const std::uint32_t identifier = Identifier(index);
+        ParameterDefinition* record = plugin_->Parameters().Find(identifier).parameter->Record();
+        if (record == nullptr || !record->ParseDisplayText(text)) return false;
+        plugin_->SetParameter(identifier, plugin_->ParseParameterValueName(identifier, text),
+                              false);
+        return true;
+    });
+}
+
+}  // namespace Vst2
