@@ -3,6 +3,7 @@
 
 #include "core/MGuard.h"
 #include "effects/delay/MDelayAudioEffectPluginInterface.h"
+#include "effects/delay/MDelayRandomRules.h"
 #include "product/MProduct.h"
 
 namespace {
@@ -23,7 +24,7 @@ std::unique_ptr<MAudioEffectPluginToAudioPluginMultiBandAdapter> MProductFactory
     Guard("MProductFactory::Create", [&] {
         auto made = std::make_unique<Product::element_type>(
             MEffectAdapterParts{MProduct::kIdentity, &MDelayAudioEffectPluginInterface,
-                                kPanelShortNames, settings, presets});
+                                kPanelShortNames, settings, presets, kDelayRandomRules});
         if (made->Initialize()) product = std::move(made);
     });
     return product;

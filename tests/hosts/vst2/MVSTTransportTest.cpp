@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "hosts/vst2/MVSTText.h"
+#include "hosts/vst2/MVSTTransport.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+
+using namespace Vst2;
+
+namespace {
+
+static_assert(MVSTTransport::kFields == 16071 && MVSTTransport::kPositionFields == 11776);
+
+VstTimeInfo Playing(double position) {
+    VstTimeInfo time = {};
+    time.ppqPos = position;
+    time.tempo = 90;
+    time.timeSigNumerator = 6;
+    time.timeSigDenominator = 8;
+    time.barStartPos = 2.26;
+    time.flags = kVstTransportPlaying;
+    return time;
+}
+
+TEST(MVSTTransport, TellsPlayingFromJumpingAndStopping) {
+    MVSTTransport reader;
+    MTransport transport;
+    const struct {
+        double position;
+        int flags;
+        bool isPlaying, hasJumped, changed;
+    } rows[] = {{10, kVstTransportPlaying, false, true, false},
+                {10.1, kVstTransportPlaying, true, false, true},
+                {12.1, kVstTransportPlaying, true, false, false},
+                {14.6, kVstTransportPlaying, true, true, false},
+                {14.7, 0, false, false, true},
+                {14.8, kVstTransportPlaying, true, false, true}};
+    for (const auto& row : rows) {
+        VstTimeInfo time = Playing(row.position);
+        time.flags = row.flags;
+        reader.Update(time, transport);
+        EXPECT_EQ(transport.isPlaying, row.isPlaying) << row.position;
+        EXPECT_EQ(transport.hasJumped, row.hasJumped) << row.position;
+        EXPECT_EQ(transport.playStateChanged, row.changed) << row.position;
+    }
+    EXPECT_TRUE(transport.isValid);
+    EXPECT_EQ(transport.tempo, 90);
+    EXPECT_EQ(transport.signatureNumerator, 6);
+    EXPECT_EQ(transport.barStart, 2.5);  // on an eighth
+}
+
+TEST(MVSTTransport, HasACycleOnlyWhenItHasALength) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double rows[][3] = {{4, 8, 4}, {4, 4, -1}, {8, 4, -1}, {4, infinity, -1}};
+    for (const auto& [start, end, expected] : rows) {
+        MTransport transport;
+        VstTimeInfo time = Playing(0);
+        time.cycleStartPos = start;
+        time.cycleEndPos = end;
+        MVSTTransport().Update(time, transport);
+        EXPECT_EQ(transport.cycleStart, expected) << end;
+        EXPECT_EQ(transport.cycleEnd, expected < 0 ? -1 : end) << end;
+    }
+}
+
+TEST(MVSTTransport, KeepsWhatItKnewWhenTheHostTalksNonsense) {
+    MTransport transport;
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    MVSTTransport reader;
+    reader.Update(Playing(1), transport);
+    for (const double wrong : {nan, 0.0, -5.0}) {
+        VstTimeInfo time = Playing(nan);
+        time.tempo = wrong;
+        time.barStartPos = nan;
+        time.timeSigNumerator = time.timeSigDenominator = 0;
+        reader.Update(time, transport);
+        EXPECT_EQ(transport.tempo, 90);
+        EXPECT_EQ(transport.songPosition, 1);
+        EXPECT_EQ(transport.barStart, 2.5);
+        EXPECT_EQ(transport.signatureDenominator, 8);
+    }
+}
+
+TEST(CopyText, CutsBetweenCharacters) {
+    const struct {
+        const char* text;
+        std::size_t limit;
+        const char* copied;
+    } rows[] = {
+        {"abc", 3, "abc"}, {"abc", 2, "ab"}, {"a\u00b0b", 2, "a"}, {"\u20ac", 2, ""}, {"", 0, ""}};
+    for (const auto& row : rows) {
+        char buffer[8] = "xxxxxxx";
+        CopyText(row.text, row.limit, buffer);
+        EXPECT_EQ(std::string(buffer), row.copied);
+    }
+}
+
+}  // namespace
