@@ -2,18 +2,15 @@
 #include "tools/render/MAutomationFile.h"
 
 #include "core/MFormat.h"
+#include "tools/render/MFileContents.h"
 #include "tools/render/MRenderFailure.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
 #include <initializer_list>
 #include <iterator>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -30,19 +27,6 @@ auto At(const std::string& place, Job&& job) {
     } catch (const MRenderFailure& failure) {
         throw MRenderFailure(failure.Code(), place + ": " + failure.Text());
     }
-}
-
-std::string Contents(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    const bool isFolder = std::filesystem::is_directory(path);
-    if (!file || isFolder) {
-        throw MRenderFailure(MExitCode::File,
-                             MFormat("cannot read {0}: {1}", path.string(),
-                                     std::generic_category().message(isFolder ? EISDIR : errno)));
-    }
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
 }
 
 Json Parse(const std::string& text) {
@@ -188,6 +172,6 @@ std::vector<MRenderLane> ReadLanes(const Json& root, const MSettingReader& reade
 
 std::vector<MRenderLane> MReadAutomation(const std::filesystem::path& path,
                                          const MSettingReader& reader) {
-    const std::string text = Contents(path);
+    const std::string text = MReadFileContents(path);
     return At(path.string(), [&] { return ReadLanes(Parse(text), reader); });
 }

@@ -65,6 +65,11 @@ void CheckBands(const char* option, const std::vector<int>& bands, int count) {
 
 }  // namespace
 
+bool MBandArguments::IsEmpty() const {
+    return !bands && !crossover && !slope && limits.empty() && mute.empty() && solo.empty() &&
+           bypassBands.empty();
+}
+
 MBandSetup MBandArguments::Read() const {
     MBandSetup setup;
     setup.limits = ReadLimits(limits);

@@ -17,6 +17,8 @@ struct MBandArguments {
     std::vector<int> solo = {};
     std::vector<int> bypassBands = {};
 
+    /// Whether nothing was said.
+    bool IsEmpty() const;
     /// What they come to. Throws MRenderFailure (Usage) when they do not go together. [main]
     MBandSetup Read() const;
 };

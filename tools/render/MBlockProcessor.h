@@ -4,6 +4,8 @@
 #include "plugin/MTransport.h"
 #include "plugin/parameters/ParameterDefinition.h"
 
+#include <array>
+#include <cstdint>
 #include <span>
 #include <string>
 
@@ -39,6 +41,9 @@ public:
     virtual void Prepare(int channels, int sampleRate) = 0;
     /// Frames by which the output comes late, once prepared. [main]
     virtual int Latency() = 0;
+    /// A MIDI message `frame` frames into the next block; a processor may have no use for it.
+    /// [main]
+    virtual void SendMIDI(int /*frame*/, const std::array<std::uint8_t, 4>& /*data*/) {}
     /// Runs one block, [channels][frames]; inputs and outputs never share memory. [main]
     virtual void Process(const MTransport& transport, const float* const* inputs,
                          float* const* outputs, int frames) = 0;

@@ -3,8 +3,11 @@
 
 #include "core/MException.h"
 #include "core/MFormat.h"
+#include "plugin/presets/MPluginPresetContent.h"
 #include "product/MProductFactory.h"
+#include "tools/render/MModulationReader.h"
 #include "tools/render/MRenderFailure.h"
+#include "tools/render/MStateFile.h"
 
 #include <cmath>
 
@@ -31,6 +34,16 @@ void MPluginProcessor::SetUpBands(const MBandSetup& setup) {
     plugin_->SetOptions(options);
     for (const int band : setup.muted) plugin_->SetMute(band - 1, true);
     for (const int band : setup.bypassed) plugin_->SetBandBypass(band - 1, true);
+}
+
+void MPluginProcessor::LoadState(const std::filesystem::path& file) {
+    MStateFile::Load(*plugin_, file);
+    bandCount_ = plugin_->Layout().bandCount;
+}
+
+void MPluginProcessor::LoadPreset(const MPreset& preset) {
+    MPluginPresetContent::Load(*plugin_, preset.content);
+    bandCount_ = plugin_->Layout().bandCount;
 }
 
 void MPluginProcessor::ListParameters() {
@@ -70,9 +83,20 @@ void MPluginProcessor::Prepare(int channels, int sampleRate) {
                                                         channels, sampleRate));
 }
 
+void MPluginProcessor::Modulate(int index, const MModulationReader& reader, std::string_view text) {
+    MLFOSettings settings =
+        plugin_->Modulation().Settings().modulators.at(static_cast<std::size_t>(index));
+    reader.Read(text, settings);
+    plugin_->Modulation().SetModulator(index, settings);
+}
+
 MAudioPlugin& MPluginProcessor::Plugin() noexcept { return *plugin_; }
 
 int MPluginProcessor::Latency() { return plugin_->GetLatency(); }
+
+void MPluginProcessor::SendMIDI(int frame, const std::array<std::uint8_t, 4>& data) {
+    plugin_->ProcessMIDIEvent(frame, data);
+}
 
 void MPluginProcessor::Process(const MTransport& transport, const float* const* inputs,
                                float* const* outputs, int frames) {

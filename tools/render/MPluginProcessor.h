@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "plugin/presets/MPreset.h"
 #include "tools/render/MBandSetup.h"
 #include "tools/render/MBlockProcessor.h"
 
+#include <filesystem>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 class MAudioPlugin;
+class MModulationReader;
 class MAudioEffectPluginToAudioPluginMultiBandAdapter;
 
 /// The whole plug-in as the processor of a render.
@@ -23,11 +27,19 @@ public:
     void SetParameter(int index, double value) override;
     void Prepare(int channels, int sampleRate) override;
     int Latency() override;
+    void SendMIDI(int frame, const std::array<std::uint8_t, 4>& data) override;
     void Process(const MTransport& transport, const float* const* inputs, float* const* outputs,
                  int frames) override;
     bool IsTailSilent() override;
 
-    /// The plug-in itself, to be measured. [any]
+    /// Loads the state in `file`, bands included. Throws MRenderFailure (File). [main]
+    void LoadState(const std::filesystem::path& file);
+    /// Sets up modulator `index`, from 0, as `text` says. Throws MRenderFailure (Usage). [main]
+    void Modulate(int index, const MModulationReader& reader, std::string_view text);
+
+    /// Loads what `preset` holds, bands included. Throws MException. [main]
+    void LoadPreset(const MPreset& preset);
+    /// The plug-in itself. [any]
     MAudioPlugin& Plugin() noexcept;
 
 private:

@@ -66,7 +66,7 @@ MRenderSummary MRenderJob::RenderTo(const std::filesystem::path& path, MSampleFo
     if (maxFrames) *maxFrames += watch.MaxFrames();
     MAudioWriter writer(path, reader.Shape(), format, maxFrames);
     MSampleWriter samples(writer, format, WantsDither(format));
-    MRenderPass pass(settings_, reader.Shape(), processor_, lanes_, progress_);
+    MRenderPass pass(settings_, reader.Shape(), processor_, lanes_, midi_, progress_);
     MRenderSummary summary = pass.Run(reader, samples, writer);
     writer.Close();
     return summary;

@@ -3,6 +3,7 @@
 
 #include "tools/render/MAudioFile.h"
 #include "tools/render/MBlockProcessor.h"
+#include "tools/render/MMIDIFile.h"
 #include "tools/render/MRenderLane.h"
 #include "tools/render/MRenderSummary.h"
 #include "tools/render/MTailWatch.h"
@@ -43,6 +44,9 @@ public:
     /// Calls `progress` once a block. [main]
     void SetProgress(Progress progress) { progress_ = std::move(progress); }
 
+    /// Plays these messages, in the order of their times, from the start of the input. [main]
+    void SetMIDI(std::vector<MMIDIFileEvent> events) { midi_ = std::move(events); }
+
     /// Renders. Throws MRenderFailure; then the output is as it was before, or absent. [main]
     MRenderSummary Run();
 
@@ -57,5 +61,6 @@ private:
     MRenderSettings settings_;
     MBlockProcessor& processor_;
     std::vector<MRenderLane> lanes_;
+    std::vector<MMIDIFileEvent> midi_;
     Progress progress_;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/render/MRenderOptions.h"
 
+#include "adapters/modulation/MModulationPlan.h"
 #include "core/MFormat.h"
 #include "core/MText.h"
 #include "tools/render/MBandArguments.h"
@@ -40,6 +41,12 @@ Bands
   as steep as the analog one; the last two come 3072 frames late, which the output does not show
   unless --no-latency-compensation asks for it.
 
+States
+  --state loads what a host has saved (the bytes of a chunk) or XML text, and with it all bands; what
+  else is set comes on top. --save-state writes the state that this makes: XML text, or compressed as
+  hosts keep it when the name ends in .chunk or .bin. Without an input it does only that, which turns
+  one form into the other.
+
 Automation
   --automation reads lanes from a JSON file:
     [{"parameter": "Band 2 Tap 1 Delay", "curve": "linear",
@@ -48,13 +55,28 @@ Automation
   "samples" or "beats". {"unit": "beats", "lanes": [...]} sets it for the whole file. A value is a text
   as above, a number in the units of --list-parameters --json, true, false or {"normalised": 0.5}.
 
+Modulation
+  --modulate lets a source move parameters, up to four times: --modulate "SOURCE -> NAME: WAY; ...".
+  A source is sine, triangle, saw, sawdown, square, stepped, smooth (both random) or steps, each with a
+  rate or a note ("sine 0.5 Hz", "saw 1/4d") and, as wanted, phase 25%, width 30%, glide 10%, seed 7,
+  once, values 0 0.5 1 (of steps); walk 2 Hz smoothness 50% (a random walk); or follower attack 5 ms
+  release 200 ms threshold -40 dB knee 6 dB range 40 dB, which follows the level of the input. All take
+  depth 50%, offset 10%, lag 20 ms and invert. A way is a range, "200 Hz .. 800 Hz", or a part of the
+  parameter's whole: "+-20%" around where it stands, "+20%" above, "-20%" below. Sources that meet at
+  one parameter add up.
+
 Examples
   kestrune-render loop.flac out.wav --set "Delay=120 ms" --set "Feedback=-20 dB"
   kestrune-render loop.flac out.wav --bpm 137 --set "Delay=1/4d" --set "Mode=PingPong"
   kestrune-render loop.flac out.wav --set "Tap 2=on" --set "Tap 2 Delay=300 ms" --tail 5
   kestrune-render loop.flac out.wav --limits 200,2000 --crossover linear --mute 1
     --set "Band 2 Delay=1/8" --set "Band 3 Delay=1/8d" --set "Band gain 3=-6 dB"
+  kestrune-render loop.flac out.wav --limits 400 --modulate "sine 1/4 -> Band limit 1: 200 Hz .. 800 Hz"
+    --modulate "follower invert -> Wet: 20% .. 100%"
+  kestrune-render loop.flac out.wav --preset "Dub/Tape echo" --bpm 137 --set "Wet=30%"
   kestrune-render loop.flac out.wav --bands 4 --slope 48 --automation sweep.json --wet "-3 dB"
+  kestrune-render loop.flac out.wav --state preset.xml --set "Band 2 Delay=1/8"
+  kestrune-render --state project.chunk --save-state project.xml
 
 Exit status
   0 done, 2 wrong usage, 3 a file cannot be read or written, 4 processing failed.)";
@@ -70,6 +92,7 @@ struct Typed {
     std::string format = "32";
     bool noDither = false;
     bool listParameters = false;
+    bool listPresets = false;
 };
 
 [[noreturn]] void Fail(const std::string& text) { throw MRenderFailure(MExitCode::Usage, text); }
@@ -110,6 +133,9 @@ void CheckOutputName(const std::filesystem::path& output) {
 }
 
 void DefineParameters(CLI::App& app, MRenderOptions& options, Typed& typed) {
+    app.add_option("--preset", options.preset,
+                   "Start from a preset, such as \"Dub/Tape echo\"; it brings its own bands")
+        ->type_name("PATH");
     app.add_option("--set", options.settings, "Set a parameter, as name=value; may be repeated")
         ->allow_extra_args(false)
         ->type_name("NAME=VALUE");
@@ -120,6 +146,18 @@ void DefineParameters(CLI::App& app, MRenderOptions& options, Typed& typed) {
                    "Move parameters as a JSON file says; may be repeated")
         ->allow_extra_args(false)
         ->type_name("FILE");
+    app.add_option("--state", options.state, "Load a state: a host's chunk or XML text")
+        ->type_name("FILE");
+    app.add_option("--save-state", options.savedState,
+                   "Write the state as XML text, or as a chunk to a .chunk or .bin file")
+        ->type_name("FILE");
+    app.add_option("--midi", options.midiFile,
+                   "Play a MIDI file from the start of the input, at the file's own tempo")
+        ->type_name("FILE");
+    app.add_option("--modulate", options.modulations,
+                   "Let a modulator move parameters; up to four times")
+        ->allow_extra_args(false)
+        ->type_name("'SOURCE -> NAME: WAY; ...'");
     const auto defineLevel = [&](const char* option, const char* parameter, const char* help) {
         app.add_option_function<std::string>(
                option,
@@ -161,6 +199,9 @@ void DefineFiles(CLI::App& app, MRenderOptions& options, Typed& typed) {
     MRenderSettings& render = options.render;
     app.add_option("input", render.input, "File to read");
     app.add_option("output", render.output, "WAV file to write");
+    app.add_option("--plugin", options.plugin,
+                   "Render with this library, loaded as a host loads it, not with what is built in")
+        ->type_name("LIBRARY");
     app.add_option("--tail", typed.tail, "Render on after the input: auto, none or seconds")
         ->capture_default_str();
     app.add_option("--tail-max", typed.tailMax, "Longest automatic tail in seconds")
@@ -180,6 +221,7 @@ void DefineFiles(CLI::App& app, MRenderOptions& options, Typed& typed) {
 void DefineReports(CLI::App& app, MRenderOptions& options, Typed& typed) {
     app.add_flag("--list-parameters", typed.listParameters,
                  "Show every parameter of the first band, with what --set made of it, and stop");
+    app.add_flag("--list-presets", typed.listPresets, "Show every preset and stop");
     app.add_flag("--all", options.listsAllBands, "Show those of the other bands, too");
     app.add_flag("--json", options.json, "Write the summary, or the list of all bands, as JSON");
     app.add_flag("-q,--quiet", options.quiet, "No progress bar");
@@ -194,6 +236,25 @@ void AddLevels(const Typed& typed, MRenderOptions& options) {
     }
     if (typed.bypass) settings.emplace_back("Bypass=on");
     options.settings.insert(options.settings.begin(), settings.begin(), settings.end());
+}
+
+/// Throws for what is out of range or does not go together.
+void Check(const MRenderOptions& options, const Typed& typed) {
+    const MRenderSettings& render = options.render;
+    if (!(render.tempo >= 1 && render.tempo <= 999)) Fail("--bpm takes 1 to 999");
+    if (render.blockSize < 1 || render.blockSize > 65536) Fail("--block-size takes 1 to 65536");
+    const bool bringsBands = !options.state.empty() || !options.preset.empty();
+    if (!options.state.empty() && !options.preset.empty()) {
+        Fail("--state and --preset do not go together");
+    }
+    if (bringsBands && !typed.bands.IsEmpty()) {
+        Fail(
+            "--state and --preset bring bands of their own; --bands and the like do not go with "
+            "them");
+    }
+    if (options.modulations.size() > MModulationPlan::kModulators) {
+        Fail("there are four modulators; --modulate is given too often");
+    }
 }
 
 }  // namespace
@@ -220,17 +281,20 @@ MRenderOptions MRenderOptions::Parse(int argc, const char* const* argv) {
         options.action = Action::ShowText;
         return options;
     }
+    Check(options, typed);
     MRenderSettings& render = options.render;
-    if (!(render.tempo >= 1 && render.tempo <= 999)) Fail("--bpm takes 1 to 999");
-    if (render.blockSize < 1 || render.blockSize > 65536) Fail("--block-size takes 1 to 65536");
     options.bands = typed.bands.Read();
     AddLevels(typed, options);
     render.compensatesLatency = !typed.keepsLatency;
     render.tail = ReadTail(typed.tail, typed.tailMax);
     render.format = ReadFormat(typed.format);
     render.dither = !typed.noDither;
-    if (typed.listParameters) {
-        options.action = Action::ListParameters;
+    if (typed.listParameters || typed.listPresets) {
+        options.action = typed.listPresets ? Action::ListPresets : Action::ListParameters;
+        return options;
+    }
+    if (render.input.empty() && !options.savedState.empty()) {
+        options.action = Action::SaveState;
         return options;
     }
     if (render.input.empty() || render.output.empty()) {

@@ -13,16 +13,24 @@ struct MRenderOptions {
     enum class Action {
         Render,
         ListParameters,
-        ShowText,  ///< help or version, ready in `text`
+        ListPresets,
+        SaveState,  ///< and nothing else
+        ShowText,   ///< help or version, ready in `text`
     };
 
     Action action = Action::Render;
     std::string text;
     MRenderSettings render;
     MBandSetup bands;
+    std::string plugin;                      ///< a library to render with; empty: built in
+    std::string preset;                      ///< its path; empty: none, then `bands` hold
+    std::filesystem::path state;             ///< to be loaded first; empty for none
+    std::filesystem::path savedState;        ///< to be written once all is set; empty for none
     std::vector<std::string> settings;       ///< "name=text", to be applied in this order
     std::vector<std::string> timedSettings;  ///< "seconds name=text"
+    std::vector<std::string> modulations;    ///< "source -> targets", up to four
     std::vector<std::filesystem::path> automationFiles;
+    std::filesystem::path midiFile;  ///< empty for none
     bool listsAllBands = false;
     bool json = false;
     bool quiet = false;

@@ -6,11 +6,12 @@
 
 MRenderPass::MRenderPass(const MRenderSettings& settings, const MAudioShape& shape,
                          MBlockProcessor& processor, std::span<const MRenderLane> lanes,
-                         const MRenderJob::Progress& progress)
+                         std::span<const MMIDIFileEvent> midi, const MRenderJob::Progress& progress)
     : settings_(settings),
       shape_(shape),
       processor_(processor),
       timeline_(lanes, shape.sampleRate, settings.tempo),
+      midi_(midi),
       progress_(progress),
       runner_(processor, shape.channels),
       watch_(settings.tail, shape.sampleRate),
@@ -68,14 +69,25 @@ void MRenderPass::RunBlock(std::span<const float> input, MSampleWriter& samples,
     transport.playStateChanged = position_ == 0;
 
     const auto output = std::span(output_).first(input.size());
-    runner_.Run(transport, input, output);
     const auto frames = static_cast<std::int64_t>(input.size()) / shape_.channels;
+    SendMIDI(frames);
+    runner_.Run(transport, input, output);
     position_ += frames;
     const std::int64_t dropped = std::min(framesToDrop_, frames);
     framesToDrop_ -= dropped;
     const auto written = output.subspan(static_cast<std::size_t>(dropped * shape_.channels));
     watch_.Note(NoteLevels(written), static_cast<int>(frames - dropped), isTail);
     samples.Write(written);
+}
+
+/// Hands over what is due in the next `frames` frames.
+void MRenderPass::SendMIDI(std::int64_t frames) {
+    for (; !midi_.empty(); midi_ = midi_.subspan(1)) {
+        const double frame = std::round(midi_.front().seconds * shape_.sampleRate);
+        if (frame >= static_cast<double>(position_ + frames)) return;
+        processor_.SendMIDI(static_cast<int>(frame - static_cast<double>(position_)),
+                            midi_.front().data);
+    }
 }
 
 void MRenderPass::RunInput(MAudioReader& reader, MSampleWriter& samples) {

@@ -19,7 +19,7 @@ public:
     /// Everything handed in must outlive this; the processor is prepared for `shape`. [main]
     MRenderPass(const MRenderSettings& settings, const MAudioShape& shape,
                 MBlockProcessor& processor, std::span<const MRenderLane> lanes,
-                const MRenderJob::Progress& progress);
+                std::span<const MMIDIFileEvent> midi, const MRenderJob::Progress& progress);
 
     /// Runs the loop and returns lengths and peak; `writer` stands behind `samples`. Throws
     /// MRenderFailure and what the progress throws. [main]
@@ -30,6 +30,7 @@ private:
     void RunBlock(std::span<const float> input, MSampleWriter& samples, bool isTail);
     void RunInput(MAudioReader& reader, MSampleWriter& samples);
     void RunSilence(std::int64_t frames, MSampleWriter& samples, bool isTail);
+    void SendMIDI(std::int64_t frames);
     int NoteLevels(std::span<const float> output);
     double Seconds() const;
 
@@ -37,6 +38,7 @@ private:
     const MAudioShape shape_;
     MBlockProcessor& processor_;
     MRenderTimeline timeline_;
+    std::span<const MMIDIFileEvent> midi_;  // still to be played
     const MRenderJob::Progress& progress_;
     MBlockRunner runner_;
     MTailWatch watch_;
