@@ -24,3 +24,6 @@ set(ZLIB_USE_STATIC_LIBS ON)
 foreach(kind EXE SHARED MODULE)
     set(CMAKE_${kind}_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
 endforeach()
+
+# Tests run on this machine.
+set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../scripts/wine")
