@@ -19,13 +19,18 @@ struct User final : MConfirmation {
     bool agrees = false;
 };
 
-TEST(MBandOperations, AskBeforeTheyThrowSettingsAway) {
-    MAudioEffectPluginToAudioPluginMultiBandAdapter plugin(
-        {{}, ProbeEffect::Reset(), {}, nullptr, nullptr});
-    ASSERT_TRUE(plugin.Initialize());
+class MBandOperationsTest : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(plugin.Initialize()); }
+
+    MAudioEffectPluginToAudioPluginMultiBandAdapter plugin{
+        {{}, ProbeEffect::Reset(), {}, nullptr, nullptr}};
     User user;
-    MBandOperations operations(plugin, user);
+    MBandOperations operations{plugin, user};
     MBandParameters& parameters = plugin.BandParameters();
+};
+
+TEST_F(MBandOperationsTest, AskBeforeTheyThrowSettingsAway) {
     parameters.Gain(5).SetValue(12);
     parameters.Panorama(5).SetValue(1);
     plugin.SetMute(0, true);
@@ -56,13 +61,7 @@ TEST(MBandOperations, AskBeforeTheyThrowSettingsAway) {
     EXPECT_THROW(operations.CreateDefaultBands(0), MException);
 }
 
-TEST(MBandOperations, ResetWhatTheBandDisplayShowsOfOneBand) {
-    MAudioEffectPluginToAudioPluginMultiBandAdapter plugin(
-        {{}, ProbeEffect::Reset(), {}, nullptr, nullptr});
-    ASSERT_TRUE(plugin.Initialize());
-    User user;
-    MBandOperations operations(plugin, user);
-    MBandParameters& parameters = plugin.BandParameters();
+TEST_F(MBandOperationsTest, ResetWhatTheBandDisplayShowsOfOneBand) {
     parameters.Gain(1).SetValue(3);
     parameters.Panorama(1).SetValue(1);
     operations.ResetBand(1);
