@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <future>
 #include <random>
 #include <thread>
 
@@ -55,14 +56,13 @@ TEST(ProductThreads, TheBandCountMayChangeInTheMiddleOfABlock) {
 
 TEST(ProductThreads, AWaitForALockIsCounted) {
     MMutex mutex;
-    std::atomic<bool> isHeld{false};
+    std::promise<void> isHeld;  // waiting for an atomic can miss its wake-up on Windows
     std::thread holder([&] {
         const MLock lock(mutex);
-        isHeld = true;
-        isHeld.notify_one();
+        isHeld.set_value();
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     });
-    isHeld.wait(false);
+    isHeld.get_future().wait();
     const LockWaitCounter waits;
     { const MLock lock(mutex); }
     holder.join();

@@ -5,6 +5,7 @@
 #include "plugin/MTransport.h"
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 /// An effect behind the numbered command entry that does as a test says and notes what it was told.
@@ -27,7 +28,8 @@ public:
         int prepareResult = 0;
         std::int64_t notFiniteFrom = -1;  ///< frame from which on the output is NaN; -1 for never
         int createsAtMost = 1 << 30;      ///< effects that are handed out before there are no more
-        void (*inBlock)() = nullptr;      ///< runs inside each block, before the effect's work
+        std::function<void()> inBlock =
+            nullptr;  ///< runs inside each block, before the effect's work
     };
 
     /// What the effect was told.

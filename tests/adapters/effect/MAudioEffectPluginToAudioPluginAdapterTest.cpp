@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <atomic>
 #include <functional>
+#include <future>
 #include <limits>
 #include <memory>
 #include <stdexcept>
@@ -130,20 +130,19 @@ TEST(MAudioEffectPluginToAudioPluginAdapter, KeepsBlocksAndInitProcessingApart) 
 }
 
 TEST(MAudioEffectPluginToAudioPluginAdapter, GivesUpOnABlockThatDoesNotEnd) {
-    static std::atomic<bool> isInside{false}, mayEnd{false};
-    const auto adapter = MakeAdapter({.inBlock = [] {
-        isInside = true;
-        isInside.notify_one();
-        mayEnd.wait(false);
+    // Waiting for an atomic can miss its wake-up on Windows.
+    std::promise<void> isInside, mayEnd;
+    const auto adapter = MakeAdapter({.inBlock = [&] {
+        isInside.set_value();
+        mayEnd.get_future().wait();
     }});
     Channels input(2, kBlock), output(2, kBlock);
     const Reports reports;
     std::thread audio([&] { RunPlugin(*adapter, input, output, kBlock); });
-    isInside.wait(false);
+    isInside.get_future().wait();
     EXPECT_FALSE(adapter->SetBusLayout({1, 1}));
     EXPECT_EQ(adapter->BusLayout(), (MBusLayout{2, 2}));
-    mayEnd = true;
-    mayEnd.notify_one();
+    mayEnd.set_value();
     audio.join();
     EXPECT_EQ(reports.texts.front(), "Could not acquire mutex.");
 }
