@@ -19,7 +19,9 @@ namespace {
 
 std::filesystem::path RoamingData() {
     PWSTR found = nullptr;
-    const HRESULT result = SHGetKnownFolderPath(FOLDERID_RoamingAppData, 0, nullptr, &found);
+    // Not verified: whoever only wants to know its name shall not touch the disc.
+    const HRESULT result =
+        SHGetKnownFolderPath(FOLDERID_RoamingAppData, KF_FLAG_DONT_VERIFY, nullptr, &found);
     std::filesystem::path folder;
     if (SUCCEEDED(result)) folder = found;
     CoTaskMemFree(found);
