@@ -76,6 +76,8 @@ void MAudioPlugin::SendHostAutomation(std::uint32_t identifier, double x) {
 void MAudioPlugin::ParameterChanged(std::uint32_t /*identifier*/, double /*oldValue*/,
                                     double /*newValue*/) noexcept {}
 
+void MAudioPlugin::ReportMovedParameters() {}
+
 void MAudioPlugin::EndBackgroundWork() {}
 
 void MAudioPluginAdapter::SendParameterAutomation(std::uint32_t /*identifier*/, double /*x*/) {}

@@ -111,9 +111,20 @@ public:
     virtual void ParameterChanged(std::uint32_t identifier, double oldValue,
                                   double newValue) noexcept;
 
+    /// Tells the host of parameters that have moved by other means than the host's, such as MIDI,
+    /// since the last call. The audio thread leaves that to whoever calls this. [main]
+    virtual void ReportMovedParameters();
+
     /// Ends what other threads do for the plug-in and waits for it: none of them calls the host any
     /// more. A binding calls it before it goes, when blocks have ended. [main]
     virtual void EndBackgroundWork();
+
+    /// Whether the host may be looking at the plug-in only, as it does while it scans: meanwhile
+    /// InitProcessing touches no file of the user's and starts no thread. Off from the start; a
+    /// binding turns it on before it prepares the plug-in for a host that has not asked for that,
+    /// and off before it does so because the host resumes. [main]
+    void SetScanned(bool on) noexcept { isScanned_.store(on, std::memory_order_relaxed); }
+    bool IsScanned() const noexcept { return isScanned_.load(std::memory_order_relaxed); }
 
     /// Sets the rate in hertz, from the next InitProcessing on. False, and nothing changes, for
     /// what no converter has. [main]
@@ -173,6 +184,7 @@ private:
     const MPluginIdentity identity_;
     std::atomic<int> sampleRate_{44100};
     std::atomic<int> blockSize_{1024};
+    std::atomic<bool> isScanned_{false};
     std::atomic<int> reportedLatency_{0};  // what a host takes for granted
     MBusLayout layout_;
     MTransport transport_;

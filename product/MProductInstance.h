@@ -17,7 +17,7 @@ public:
     using BandPresets = MPresetManagerT<MBandPresetContent>;
 
     /// Null when the plug-in could not be made, which has been reported. Starts no thread and
-    /// writes no file. [main]
+    /// touches no file. [main]
     static std::unique_ptr<MProductInstance> Create();
     /// There must be no blocks any more. [main]
     ~MProductInstance();

@@ -67,19 +67,27 @@ void MAudioEffectPluginToAudioPluginAdapter::AddSharedParameters(MParameterTable
 
 bool MAudioEffectPluginToAudioPluginAdapter::InitProcessing() {
     return Guard("MAudioEffectPluginToAudioPluginAdapter::InitProcessing", false, [&] {
+        const bool isUsed = !IsScanned();
+        if (isUsed) TakeUserDefaults();
         {
             const MLock lock(processingLock_, kLockTimeOut);
             if (!InitProcessing_LockedPart()) return false;
         }
         InitProcessing_UnLockedPart();
         InitProcessingGUI();
-        // A binding prepares once on its own account, for hosts that only want to look at the
-        // plug-in: they shall not find a thread.
-        if (presets_ != nullptr && ++starts_ > 1) {
+        if (presets_ != nullptr && isUsed) {
             Guard("MAudioEffectPluginToAudioPluginAdapter::InitProcessing",
                   [&] { presets_->Start(); });
         }
         return true;
+    });
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::ReportMovedParameters() {
+    Guard("MAudioEffectPluginToAudioPluginAdapter::ReportMovedParameters", [&] {
+        midi_.ReportMoved();
+        // What a MultiParameter moves is no gesture of its own: the host has the knob's.
+        if (TakeParameterListChanged()) ReportParameterChanges();
     });
 }
 

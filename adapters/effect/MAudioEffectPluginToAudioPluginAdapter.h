@@ -68,6 +68,7 @@ public:
     bool ReceivesMIDI() const noexcept override { return true; }
     void ProcessMIDIEvent(int deltaFrames, const std::array<std::uint8_t, 4>& data) override;
     bool WantsHostTime() const noexcept override { return true; }
+    void ReportMovedParameters() override;
     void EndBackgroundWork() override;
     int GetLatency() const noexcept override;
     int GetTailLength() const noexcept override;
@@ -120,6 +121,11 @@ protected:
     /// MultiParameters, preset triggers and bypass, which every effect has. [main]
     void AddSharedParameters(MParameterTable& table);
     MPanelShortNames PanelShortNames() const noexcept { return panelShortNames_; }
+
+    /// Puts into force what the user has set for new instances, once. It is not read before it
+    /// matters, since a host that scans shall find no file touched: whoever uses what such a
+    /// setting decides calls this first, without any lock. [main]
+    virtual void TakeUserDefaults() {}
 
     /// Adds the records whose values belong to the state, once there are effects. [main]
     virtual void AddStateRecords(MStateRecords& records);
@@ -215,7 +221,6 @@ private:
     ParameterDefinition bypass_;
 
     MPresetStepper* const presets_;
-    std::atomic<int> starts_{0};  // of processing
     MActivePresets activePresets_;
 
     MMutex changeLock_;           // over the next eight

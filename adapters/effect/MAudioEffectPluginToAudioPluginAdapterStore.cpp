@@ -28,6 +28,7 @@ bool HasAny(std::span<const ParameterDefinition> records, MXMLNode node) {
 
 void MAudioEffectPluginToAudioPluginAdapter::Store(MXMLNode node, MArchive& archive) {
     Guard("MAudioEffectPluginToAudioPluginAdapter::Store", [&] {
+        TakeUserDefaults();
         std::optional<MStateHandOver::Ticket> ticket;
         {
             const MLock lock(changeLock_);
@@ -49,6 +50,7 @@ void MAudioEffectPluginToAudioPluginAdapter::Store(MXMLNode node, MArchive& arch
 
 void MAudioEffectPluginToAudioPluginAdapter::SetDefaults() {
     Guard("MAudioEffectPluginToAudioPluginAdapter::SetDefaults", [&] {
+        TakeUserDefaults();
         MStateHandOver::Ticket ticket = 0;
         {
             const MLock lock(changeLock_);

@@ -24,7 +24,8 @@ MAudioEffectPluginToAudioPluginMultiBandAdapter::MAudioEffectPluginToAudioPlugin
     : MAudioEffectPluginToAudioPluginAdapter(parts),
       random_(std::random_device()()),
       randomRules_(parts.randomRules) {
-    CreateDefaultBands(DefaultBandCount(), false);
+    ResetBands(MBandLayout::kDefaultBands);
+    firstLimits_ = parameters_.ReadLimits();
 }
 
 MAudioEffectPluginToAudioPluginMultiBandAdapter::
@@ -167,6 +168,7 @@ int MAudioEffectPluginToAudioPluginMultiBandAdapter::MaximumLatency() const noex
 
 template <class Change>
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::ChangeLayout(Change&& change) {
+    TakeUserDefaults();
     {
         const MLock changing(ChangeLock());
         {
@@ -179,12 +181,36 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::ChangeLayout(Change&& chan
     ReportParameterChanges();
 }
 
+// Hosts may have written parameters by now: only limits that nobody has touched follow the count.
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::TakeUserDefaults() {
+    if (hasUserDefaults_.load(std::memory_order_acquire)) return;
+    const int count = DefaultBandCount();  // may read a file, which is nothing to do under a lock
+    {
+        const MLock changing(ChangeLock());
+        if (hasUserDefaults_.load(std::memory_order_relaxed)) return;
+        const bool isOther = count != layout_.bandCount;
+        if (isOther) {
+            {
+                const MLock lock(settingsLock_);
+                layout_.SetDefaults(count);
+            }
+            ResetUntouchedLimits(count);
+            ApplyGlobalChange(true);
+        }
+        hasUserDefaults_.store(true, std::memory_order_release);
+        if (!isOther) return;
+    }
+    ReportLatencyChange();
+    ReportParameterChanges();
+}
+
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::CreateDefaultBands(int count, bool notify) {
     MBandLayout::CheckBandCount(count);
     if (notify) {
         ChangeLayout([&] { ResetBands(count); });
         return;
     }
+    TakeUserDefaults();
     const MLock changing(ChangeLock());
     const MLock lock(settingsLock_);
     ResetBands(count);
@@ -202,6 +228,17 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::ResetBands(int count) {
         if (band >= EffectCount()) continue;
         Effect(band).SetDefaults();
         Effect(band).RequestRestart();
+    }
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ResetUntouchedLimits(int count) {
+    constexpr double kRounding = 1e-6;  // of a host that writes back what it has read
+    const std::span<const double> hertz = MBandLayout::DefaultLimits(count);
+    for (int index = 0; index < MBandParameters::kLimits; ++index) {
+        ParameterDefinition& limit = parameters_.Limit(index);
+        if (std::abs(limit.Value() - firstLimits_[index]) > kRounding) continue;
+        const auto place = static_cast<std::size_t>(index);
+        limit.SetValue(place < hertz.size() ? std::log10(hertz[place]) : limit.defaultValue);
     }
 }
 
@@ -231,6 +268,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::SaveBandSettings(MXMLNode 
 }
 
 MBandLayout MAudioEffectPluginToAudioPluginMultiBandAdapter::Layout() {
+    TakeUserDefaults();
     const MLock lock(settingsLock_);
     return layout_;
 }
@@ -263,6 +301,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::SetSolo(int band, bool on)
 }
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::SetEditedBand(int band) {
+    TakeUserDefaults();
     const MLock lock(settingsLock_);
     layout_.CheckBand(band);
     layout_.editedBand = band;

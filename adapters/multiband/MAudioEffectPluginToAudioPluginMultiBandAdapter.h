@@ -23,7 +23,8 @@ class MAudioEffectPluginToAudioPluginMultiBandAdapter final
 public:
     static constexpr int kMaxBands = kMaxCrossoverBands;
 
-    /// Starts with default bands, as many as the setting "DefaultBandCount" says. [main]
+    /// Starts with default bands: as many as the setting "DefaultBandCount" says, from when the
+    /// layout first matters, and three until then. [main]
     explicit MAudioEffectPluginToAudioPluginMultiBandAdapter(const MEffectAdapterParts& parts);
     ~MAudioEffectPluginToAudioPluginMultiBandAdapter() override;
 
@@ -82,6 +83,7 @@ public:
     const MMeter& BandMeter(int band) const { return meters_.at(static_cast<std::size_t>(band)); }
 
 protected:
+    void TakeUserDefaults() override;
     void AddParameters(MParameterTable& table) override;
     void AddStateRecords(MStateRecords& records) override;
     void FillStage(MArchive::Base base) override;
@@ -109,6 +111,7 @@ private:
     void ChangeLayout(Change&& change);
     int DefaultBandCount();
     void ResetBands(int count);
+    void ResetUntouchedLimits(int count);
     std::vector<MModulationTarget> RandomiserPool(MBandRandomiser::Kind kind);
     void ApplyGlobalChange(bool bandsChanged);
     MStateHandOver::Ticket PutIntoForce(const MBandParameters::Limits& limits,
@@ -132,6 +135,9 @@ private:
     MRandom random_;  // of the randomisers; under the change lock, as the next one
     MSmartRandom::Locks randomLocks_;
     const std::span<const MRandomRule> randomRules_;
+
+    MBandParameters::Limits firstLimits_{};     // log10 hertz, as the instance was made
+    std::atomic<bool> hasUserDefaults_{false};  // set under the change lock
 
     MMutex settingsLock_;  // over the next two, which only change under the change lock
     MBandLayout layout_;

@@ -19,6 +19,7 @@ std::vector<MModulationTarget> MAudioEffectPluginToAudioPluginMultiBandAdapter::
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::RandomizeBandModulation(
     MBandRandomiser::Kind kind) {
+    TakeUserDefaults();
     const MLock changeLock(ChangeLock());
     Modulation().Change([&](MModulationSettings& settings) {
         const MLock lock(settingsLock_);
@@ -54,6 +55,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::GenerateRandomSettingsSmar
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::GenerateRandomSettings() {
     Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::GenerateRandomSettings", [&] {
+        TakeUserDefaults();
         {
             const MLock changeLock(ChangeLock());
             for (int band = 0; band < layout_.bandCount; ++band) {

@@ -46,7 +46,10 @@ VstIntPtr AudioEffectX::Dispatch(AEffect* effect, VstInt32 opcode, VstInt32 inde
     for (const Subject subject : kSubjects) {
         if ((answer = (self.*subject)(call))) break;
     }
-    if (opcode != effProcessEvents) self.dispatched();
+    // Hosts make these calls on the audio thread.
+    const bool mayBeAudio =
+        opcode == effProcessEvents || opcode == effStartProcess || opcode == effStopProcess;
+    if (!mayBeAudio) self.dispatched();
     return answer.value_or(0);
 }
 

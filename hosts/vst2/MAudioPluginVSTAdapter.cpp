@@ -18,6 +18,7 @@ constexpr VstInt32 kStereoOnlyVersion = 2300;  // hosts below know stereo buses 
 constexpr VstInt32 kFirstVersion = 100;        // hosts below connect two inputs at least
 constexpr float kHighestProbeRate = 100.5f;    // hertz; rounds to 101
 constexpr float kHighestRate = 1e9f;           // hertz; beyond lies what no integer holds
+constexpr std::chrono::milliseconds kPauseOfMoves{100};
 
 }  // namespace
 
@@ -41,6 +42,7 @@ MAudioPluginVSTAdapter::~MAudioPluginVSTAdapter() {
 
 void MAudioPluginVSTAdapter::SetUp(VstInt32 uniqueID) {
     plugin_->SetHost(this);
+    plugin_->SetScanned(true);  // until the host resumes
     wantsHostTime_ = plugin_->WantsHostTime();
     SetUpChannels();
     setUniqueID(uniqueID);
@@ -70,6 +72,7 @@ void MAudioPluginVSTAdapter::SetUpChannels() {
 void MAudioPluginVSTAdapter::resume() {
     Guard("MAudioPluginVSTAdapter::resume", [&] {
         if (hasFlag(effFlagsIsSynth) || plugin_->ReceivesMIDI()) wantEvents();
+        if (isSetUp_) plugin_->SetScanned(false);
         plugin_->InitProcessing();
     });
 }
@@ -121,9 +124,18 @@ void MAudioPluginVSTAdapter::TellHost(std::atomic<bool>& waits, Tell&& tell) {
 
 void MAudioPluginVSTAdapter::dispatched() {
     Guard("MAudioPluginVSTAdapter::dispatched", [&] {
+        if (IsTimeForMoves()) plugin_->ReportMovedParameters();
         if (latencyWaits_.exchange(false)) ioChanged();
         if (changesWait_.exchange(false)) updateDisplay();
     });
+}
+
+// Hosts answer such a report by reading everything anew, with calls that come here again.
+bool MAudioPluginVSTAdapter::IsTimeForMoves() noexcept {
+    const Clock::duration now = Clock::now().time_since_epoch();
+    Clock::duration last = lastMoves_.load(std::memory_order_relaxed);
+    return now - last >= kPauseOfMoves &&
+           lastMoves_.compare_exchange_strong(last, now, std::memory_order_relaxed);
 }
 
 void MAudioPluginVSTAdapter::ChangeEditorSize(int width, int height) {

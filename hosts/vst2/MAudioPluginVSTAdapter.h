@@ -10,6 +10,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <thread>
@@ -63,6 +64,8 @@ public:
     bool getProductString(char* text) override;
     VstInt32 getVendorVersion() override { return 1; }
     VstInt32 canDo(const char* text) override;
+    /// Tells the host what has waited for that: changes that other threads have made, parameters
+    /// that MIDI or MultiParameters have moved. [main]
     void dispatched() override;
 
     void SendBypassAutomation(bool on) override;
@@ -79,11 +82,14 @@ public:
     void QueueMIDIEvent(int deltaFrames, const std::array<std::uint8_t, 4>& data);
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     void SetUp(VstInt32 uniqueID);
     void SetUpChannels();
     bool FillPin(VstInt32 index, int channelCount, VstPinProperties& pin) const;
     int CreatedChannelsPerBus() const noexcept { return created_.outputs; }
 
+    bool IsTimeForMoves() noexcept;
     template <class Tell>
     void TellHost(std::atomic<bool>& waits, Tell&& tell);
 
@@ -99,6 +105,7 @@ private:
     const std::thread::id homeThread_ = std::this_thread::get_id();
     std::atomic<bool> latencyWaits_{false};  // to be told to the host
     std::atomic<bool> changesWait_{false};
+    std::atomic<Clock::duration> lastMoves_{};    // when the plug-in was last asked for moves
     const std::shared_ptr<MAudioPlugin> plugin_;  // with whatever else it needs to live
     MVSTTransport transport_;
     MVSTMidiQueue incoming_;

@@ -29,7 +29,6 @@ TEST(MProductInstance, StepsThroughThePresetsWhileAudioRuns) {
     MAudioPlugin& plugin = product->Instance();
     plugin.SetSampleRate(48000);
     plugin.InitProcessing();
-    plugin.InitProcessing();  // which bindings do for themselves, and hosts before they play
     Channels input(2, 512), output(2, 512);
     const auto list = product->PluginPresets().Library().List();
     const auto press = [&](const char* id, std::size_t expected) {

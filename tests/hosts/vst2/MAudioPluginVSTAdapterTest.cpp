@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstring>
 #include <limits>
 #include <thread>
@@ -210,8 +211,16 @@ TEST_F(MAudioPluginVSTAdapterTest, TellsTheHostOfChanges) {
     EXPECT_EQ(host.Count(audioMasterUpdateDisplay), 1);
     std::thread([&] { probe->Host()->ReportParameterChanges(); }).join();
     EXPECT_EQ(host.Count(audioMasterUpdateDisplay), 1) << "not on a thread of our own";
+    Call(effStartProcess);
+    EXPECT_EQ(host.Count(audioMasterUpdateDisplay), 1) << "this may be the audio thread";
     Call(effGetVstVersion, 0, 0, nullptr);
     EXPECT_EQ(host.Count(audioMasterUpdateDisplay), 2);
+    // A host that reads everything anew whenever it is told must not be told by that.
+    for (int i = 0; i < 20; ++i) Call(effGetVstVersion);
+    EXPECT_EQ(probe->askedForMoves, 1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(120));
+    Call(effEditIdle);
+    EXPECT_EQ(probe->askedForMoves, 2);
     char typed[] = "0.5";
     char nonsense[] = "nonsense";
     EXPECT_EQ(Call(effString2Parameter, 0, 0, nullptr), 1);
