@@ -187,7 +187,7 @@ private:
     std::atomic<bool> isScanned_{false};
     std::atomic<int> reportedLatency_{0};  // what a host takes for granted
     MBusLayout layout_;
-    MTransport transport_;
+    alignas(64) MTransport transport_;  // every block writes it: one line of the cache
     MParameterDirectory parameters_;
     MAudioPluginAdapter* host_ = nullptr;
     MMutex temporaryMutex_;  // editors of two instances' windows may share a thread, or not

@@ -12,6 +12,7 @@
 namespace {
 
 constexpr int kSampleRate = 48000;
+constexpr double kQuarterSamples = kSampleRate / 2.0;
 
 constinit Vst2::VstTimeInfo playing = [] {
     Vst2::VstTimeInfo time = {};
@@ -24,7 +25,12 @@ constinit Vst2::VstTimeInfo playing = [] {
 /// A host that answers at once. What it takes is its own: both sides of a comparison ask it.
 Vst2::VstIntPtr Answer(Vst2::AEffect*, Vst2::VstInt32 opcode, Vst2::VstInt32, Vst2::VstIntPtr,
                        void*, float) {
-    if (opcode == Vst2::audioMasterGetTime) return reinterpret_cast<Vst2::VstIntPtr>(&playing);
+    if (opcode == Vst2::audioMasterGetTime) {
+        playing.samplePos += kQuarterSamples / 1000;
+        playing.ppqPos += 1.0 / 1000;
+        playing.flags = Vst2::kVstTransportPlaying;
+        return reinterpret_cast<Vst2::VstIntPtr>(&playing);
+    }
     return opcode == Vst2::audioMasterVersion ? Vst2::kVstVersion : 0;
 }
 

@@ -24,7 +24,7 @@ constexpr std::chrono::milliseconds kPauseOfMoves{100};
 
 MAudioPluginVSTAdapter::MAudioPluginVSTAdapter(AudioMasterCallback host, VstInt32 uniqueID,
                                                std::shared_ptr<MAudioPlugin> plugin)
-    : AudioEffectX(host, 0, plugin->ParameterCount()), plugin_(std::move(plugin)) {
+    : AudioEffectX(host, 0, plugin->ParameterCount()), owned_(std::move(plugin)) {
     isSetUp_ = Guard("MAudioPluginVSTAdapter::MAudioPluginVSTAdapter", false, [&] {
         SetUp(uniqueID);
         return true;

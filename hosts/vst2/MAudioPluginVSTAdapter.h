@@ -95,22 +95,28 @@ private:
 
     void PerformProcessing(float** inputs, float** outputs, VstInt32 frames, bool replacing);
     void PrepareProcessing();
-    void DeliverQueuedMIDIEvents();
-    void SendQueuedMIDIEvents();
+    [[gnu::cold]] void DeliverQueuedMIDIEvents();
+    [[gnu::cold]] void SendQueuedMIDIEvents();
 
     MBusLayout created_;    // the widest that the host may ask for
     bool isSetUp_ = false;  // before that, hosts write parameters that they have not read yet
     std::vector<std::uint8_t> lastChunk_;  // the host reads it after getChunk has returned
-    bool wantsHostTime_ = false;           // what every block reads: from here on
     const std::thread::id homeThread_ = std::this_thread::get_id();
     std::atomic<bool> latencyWaits_{false};  // to be told to the host
     std::atomic<bool> changesWait_{false};
-    std::atomic<Clock::duration> lastMoves_{};    // when the plug-in was last asked for moves
-    const std::shared_ptr<MAudioPlugin> plugin_;  // with whatever else it needs to live
-    MVSTTransport transport_;
-    MVSTMidiQueue incoming_;
-    MVSTMidiQueue outgoing_;
+    std::atomic<Clock::duration> lastMoves_{};   // when the plug-in was last asked for moves
+    const std::shared_ptr<MAudioPlugin> owned_;  // with whatever else it needs to live
     MVSTAccumulator accumulator_;
+    MVSTMidiQueue incoming_{hasIncoming_};
+    MVSTMidiQueue outgoing_{hasOutgoing_};
+
+    // What every block reads, in one line of the processor's cache: the plug-in's own work has
+    // driven out all that there was.
+    alignas(64) MAudioPlugin* const plugin_ = owned_.get();
+    bool wantsHostTime_ = false;
+    std::atomic<bool> hasIncoming_{false};
+    std::atomic<bool> hasOutgoing_{false};
+    MVSTTransport transport_;
 };
 
 /// Makes an instance for a host that has just called the library's entry; null when the host does

@@ -46,13 +46,13 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
     if (frames <= 0 || outputs == nullptr) return;
     Guard("MAudioPluginVSTAdapter::PerformProcessing", [&] {
         PrepareProcessing();
-        if (incoming_.HasEvents()) DeliverQueuedMIDIEvents();
+        if (hasIncoming_.load(std::memory_order_acquire)) DeliverQueuedMIDIEvents();
         if (replacing) {
             plugin_->Process(inputs, outputs, frames);
         } else {
             accumulator_.Process(*plugin_, inputs, outputs, frames);
         }
-        if (outgoing_.HasEvents()) SendQueuedMIDIEvents();
+        if (hasOutgoing_.load(std::memory_order_acquire)) SendQueuedMIDIEvents();
     });
 }
 
@@ -80,7 +80,7 @@ VstInt32 MAudioPluginVSTAdapter::processEvents(const VstEvents* events) {
     Guard("MAudioPluginVSTAdapter::processEvents", [&] {
         if (events == nullptr || events->numEvents <= 0) return;
         const VstTimeInfo* time = getTimeInfo(MVSTTransport::kPositionFields);
-        if (time != nullptr) MVSTTransport::UpdatePosition(*time, plugin_->Transport());
+        if (time != nullptr) transport_.UpdatePosition(*time, plugin_->Transport());
         VstEvent* const* const list = events->events;
         for (VstInt32 i = 0; i < events->numEvents; ++i) {
             if (list[i] == nullptr || list[i]->type != kVstMidiType) continue;

@@ -23,14 +23,14 @@ void MVSTMidiQueue::Append(const VstMidiEvent& event) {
     const std::size_t count = waiting_.size() + 1;
     if (count > 2 && count > waiting_.capacity()) waiting_.reserve(std::bit_ceil(count));
     waiting_.push_back(event);
-    hasWaiting_.store(true, std::memory_order_release);
+    hasEvents_.store(true, std::memory_order_release);
 }
 
 std::vector<VstMidiEvent>& MVSTMidiQueue::TakeAll() {
     taken_.clear();
     const MLock lock(mutex_);
     taken_.swap(waiting_);
-    hasWaiting_.store(false, std::memory_order_relaxed);
+    hasEvents_.store(false, std::memory_order_relaxed);
     return taken_;
 }
 

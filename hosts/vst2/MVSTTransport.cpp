@@ -7,7 +7,6 @@ namespace Vst2 {
 
 namespace {
 
-constexpr double kLongestMove = 2.0;      // quarter notes between blocks without a jump
 constexpr double kShortestCycle = 1e-20;  // quarter notes
 
 void TakeFinite(double from, double& to) noexcept {
@@ -28,32 +27,21 @@ double OntoBeat(double barStart, int denominator) noexcept {
 }  // namespace
 
 void MVSTTransport::UpdatePosition(const VstTimeInfo& time, MTransport& transport) noexcept {
-    TakeFinite(time.ppqPos, transport.songPosition);
+    song_ = {};  // the next block may have another
+    TakePosition(time, transport);
     if (time.tempo > 0) TakeFinite(time.tempo, transport.tempo);
     TakePositive(time.timeSigNumerator, transport.signatureNumerator);
     TakePositive(time.timeSigDenominator, transport.signatureDenominator);
     TakeFinite(OntoBeat(time.barStartPos, transport.signatureDenominator), transport.barStart);
 }
 
-void MVSTTransport::Update(const VstTimeInfo& time, MTransport& transport) noexcept {
-    transport.isValid = true;
-    transport.hasJumped = false;
+void MVSTTransport::UpdateAll(const VstTimeInfo& time, MTransport& transport) noexcept {
     UpdatePosition(time, transport);
-
+    song_ = SongOf(time);
     const bool hasCycle = time.cycleEndPos - kShortestCycle > time.cycleStartPos &&
                           std::isfinite(time.cycleEndPos) && std::isfinite(time.cycleStartPos);
     transport.cycleStart = hasCycle ? time.cycleStartPos : -1.0;
     transport.cycleEnd = hasCycle ? time.cycleEndPos : -1.0;
-
-    const bool wasPlaying = transport.isPlaying;
-    if ((time.flags & kVstTransportPlaying) == 0) {
-        transport.isPlaying = false;
-    } else {
-        transport.hasJumped = std::abs(transport.songPosition - lastPosition_) > kLongestMove;
-        if (!transport.hasJumped) transport.isPlaying = true;
-        lastPosition_ = transport.songPosition;
-    }
-    transport.playStateChanged = transport.isPlaying != wasPlaying;
 }
 
 }  // namespace Vst2

@@ -49,6 +49,12 @@ TEST(MVSTTransport, TellsPlayingFromJumpingAndStopping) {
     EXPECT_EQ(transport.tempo, 90);
     EXPECT_EQ(transport.signatureNumerator, 6);
     EXPECT_EQ(transport.barStart, 2.5);  // on an eighth
+    VstTimeInfo ofEvents = Playing(15);
+    ofEvents.tempo = 99;
+    reader.UpdatePosition(ofEvents, transport);
+    EXPECT_EQ(transport.tempo, 99);
+    reader.Update(Playing(15), transport);
+    EXPECT_EQ(transport.tempo, 90);
 }
 
 TEST(MVSTTransport, HasACycleOnlyWhenItHasALength) {
