@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/MBackgroundWorker.h"
 
+#include "core/MFailureReporter.h"
+
 #include <algorithm>
 
 #ifdef _WIN32
@@ -8,6 +10,13 @@
 #else
 #include <semaphore.h>
 #endif
+
+namespace {
+
+std::atomic<MBackgroundWorker*> latest{nullptr};
+std::atomic<int> wakers{0};  // who may hold what they read from it
+
+}  // namespace
 
 class MBackgroundWorker::Signal {
 public:
@@ -49,12 +58,20 @@ std::shared_ptr<MBackgroundWorker> MBackgroundWorker::Acquire() {
 }
 
 MBackgroundWorker::MBackgroundWorker()
-    : signal_(std::make_unique<Signal>()), thread_([this] { Run(); }) {}
+    : signal_(std::make_unique<Signal>()), thread_([this] { Run(); }) {
+    latest.store(this);
+    Post();  // for what has been reported before
+}
 
 MBackgroundWorker::~MBackgroundWorker() {
+    MBackgroundWorker* self = this;
+    latest.compare_exchange_strong(self, nullptr);
+    while (wakers.load() > 0)
+        std::this_thread::yield();  // for as long as it takes to wake a thread
     isEnding_.store(true);
     signal_->Post();
     thread_.join();
+    MFailureReporter::Flush();
 }
 
 void MBackgroundWorker::Add(Task& task) {
@@ -70,6 +87,16 @@ void MBackgroundWorker::Remove(Task& task) {
 
 void MBackgroundWorker::Ask(Task& task) noexcept {
     task.isAsked_.store(true);
+    Post();
+}
+
+void MBackgroundWorker::Wake() noexcept {
+    wakers.fetch_add(1);
+    if (MBackgroundWorker* const worker = latest.load()) worker->Post();
+    wakers.fetch_sub(1);
+}
+
+void MBackgroundWorker::Post() noexcept {
     if (!isSignalled_.exchange(true)) signal_->Post();
 }
 
@@ -84,6 +111,7 @@ void MBackgroundWorker::Run() {
             running_ = nullptr;
             isIdle_.notify_all();
         }
+        MFailureReporter::Flush();
     }
 }
 

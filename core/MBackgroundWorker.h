@@ -9,7 +9,8 @@
 #include <vector>
 
 /// A thread that does for the audio thread what takes time. One serves the whole process: it
-/// starts with its first user and ends with its last, so that no thread outlives the library.
+/// starts with its first user and ends with its last, so that no thread outlives the library. Each
+/// time it is woken it writes out what MFailureReporter has queued.
 class MBackgroundWorker {
 public:
     /// What may be asked for; asking several times before it has begun counts once.
@@ -42,6 +43,8 @@ public:
     void Remove(Task& task);
     /// Asks for a task that has been added. Neither waits nor allocates. [audio]
     void Ask(Task& task) noexcept;
+    /// Wakes the worker that started last, if it still runs. Neither waits nor allocates. [any]
+    static void Wake() noexcept;
 
 private:
     /// The platform's semaphore: the standard's may take a lock to wake a thread.
@@ -49,6 +52,7 @@ private:
 
     void Run();
     Task* TakeAsked();
+    void Post() noexcept;
 
     const std::unique_ptr<Signal> signal_;
     std::atomic<bool> isSignalled_{false};

@@ -13,7 +13,9 @@ enum class MExceptionPolicy {
 };
 
 /// Runs `job` and returns its result; a failure is reported and answered with `neutral`. Nothing
-/// thrown leaves it. `operation` is the full name, such as "MAudioPlugin::GetParameter". [any]
+/// thrown leaves it. `operation` is the full name, such as "MAudioPlugin::GetParameter". To throw
+/// takes memory, on the audio thread as well; what is done about it here takes none and waits for
+/// nobody. [any]
 template <MExceptionPolicy policy = MExceptionPolicy::Report, class Result, class Job>
 Result Guard(const char* operation, Result neutral, Job&& job) noexcept {
     try {

@@ -128,6 +128,7 @@ void MAudioPluginVSTAdapter::dispatched() {
         if (latencyWaits_.exchange(false)) ioChanged();
         if (changesWait_.exchange(false)) updateDisplay();
     });
+    MFailureReporter::Flush();
 }
 
 // Hosts answer such a report by reading everything anew, with calls that come here again.
