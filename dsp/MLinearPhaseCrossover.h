@@ -58,6 +58,7 @@ public:
 
 private:
     struct Memory {
+        MRealFFT::User transforms;
         MLinearPhaseDesigner designer;
         MTripleBuffer<MLinearPhaseDesign> designs;
         MLinearPhaseDesigner preparer;

@@ -5,7 +5,9 @@
 
 #include <fftw3.h>
 
+#include <cstddef>
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -18,10 +20,25 @@ fftwf_complex* Complex(MRealFFT::Buffer& buffer) noexcept {
 
 }  // namespace
 
+struct MRealFFT::Ending {
+    ~Ending() {
+        if (users_.load() > 0) return;
+        fftwf_destroy_plan(Plan(transforms.forward_));
+        fftwf_destroy_plan(Plan(transforms.inverse_));
+        fftwf_cleanup();  // the package is linked in: there are no plans but ours
+    }
+
+    const MRealFFT& transforms;
+};
+
 const MRealFFT& MRealFFT::Instance() {
-    // The package's planner is not thread-safe; the guard of the static object is the lock.
-    static const MRealFFT instance;
-    return instance;
+    // Stands in the library's own memory and is never destroyed, since it may outlast this file's
+    // other objects. The package's planner is not thread-safe; the guard of the static object is
+    // the lock.
+    alignas(MRealFFT) static std::array<std::byte, sizeof(MRealFFT)> place;
+    static const MRealFFT* const instance = new (place.data()) MRealFFT;
+    static const Ending ending{*instance};
+    return *instance;
 }
 
 MRealFFT::MRealFFT() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <span>
 
 /// The Fourier transform of 4096 real numbers, behind which the FFT package stands.
@@ -28,6 +29,16 @@ public:
     /// allocates and takes a lock. [main]; later calls [any].
     static const MRealFFT& Instance();
 
+    /// Somebody who may transform at any time. The plans go when the library is unloaded, unless
+    /// there still is one: a host may end the process while its blocks run. [main]
+    class User {
+    public:
+        User() noexcept { users_.fetch_add(1); }
+        ~User() { users_.fetch_sub(1); }
+        User(const User&) = delete;
+        User& operator=(const User&) = delete;
+    };
+
     /// `spectrum` = transform of `samples`, which stay as they are. [audio]
     void Forward(const Buffer& samples, Buffer& spectrum) const noexcept;
 
@@ -38,9 +49,13 @@ public:
     MRealFFT& operator=(const MRealFFT&) = delete;
 
 private:
+    struct Ending;
+
     MRealFFT();
     ~MRealFFT() = default;
 
-    void* forward_ = nullptr;  // the package's plans; they live as long as the process
+    void* forward_ = nullptr;  // the package's plans
     void* inverse_ = nullptr;
+
+    static inline std::atomic<int> users_{0};
 };
