@@ -5,26 +5,26 @@
 #include <functional>
 
 void MBlockChannels::Reserve(int channels, int count) {
-    silence_.Get(count);
-    for (int channel = 0; channel < channels; ++channel) {
-        unheard_[channel].Get(count);
-    }
+    // Either nothing is heard and nothing copied, or one output at least needs no memory.
+    const int most = std::max(channels + 1, 2 * channels - 1);
+    for (int i = 0; i < most; ++i) spares_[i].Get(count);
 }
 
 void MBlockChannels::Take(const MBusLayout& layout, const float* const* inputs,
                           float* const* outputs, int count) {
+    spareCount_ = 0;
+    float* silence = nullptr;
     for (int channel = 0; channel < layout.outputs; ++channel) {
         const int source = layout.InputOf(channel);
         const float* const samples = inputs != nullptr && source >= 0 ? inputs[source] : nullptr;
         if (samples == nullptr) {
-            float* const silence = silence_.Get(count);
-            std::fill_n(silence, count, 0.0f);
+            if (silence == nullptr) silence = std::fill_n(Spare(count), count, 0.0f) - count;
             inputs_[channel] = silence;
         } else {
             inputs_[channel] = samples;
         }
         float* const output = outputs != nullptr ? outputs[channel] : nullptr;
-        outputs_[channel] = output != nullptr ? output : unheard_[channel].Get(count);
+        outputs_[channel] = output != nullptr ? output : Spare(count);
     }
 }
 
@@ -39,6 +39,6 @@ void MBlockChannels::SeparateInputs(int channels, int count) {
         const bool isShared =
             std::any_of(outputs_.begin(), outputs_.begin() + channels,
                         [&](const float* output) { return overlaps(input, output); });
-        if (isShared) input = std::copy_n(input, count, copies_[channel].Get(count)) - count;
+        if (isShared) input = std::copy_n(input, count, Spare(count)) - count;
     }
 }

@@ -10,16 +10,16 @@
 /// over. Channels that are there are passed on as they are.
 class MBlockChannels {
 public:
-    /// Makes room for blocks of `channels` and `count` samples. [setup]
+    /// Makes room for blocks of `channels` and `count` samples: for both operations below. [setup]
     void Reserve(int channels, int count);
 
     /// Takes a host's block of `layout`; null arrays and channels are allowed. Allocates when
-    /// `count` exceeds every block so far. [audio]
+    /// `count` exceeds every block so far and what was reserved. [audio]
     void Take(const MBusLayout& layout, const float* const* inputs, float* const* outputs,
               int count);
 
     /// Lets outputs be written piece by piece: inputs that share memory with outputs at another
-    /// place than sample for sample are copied. Allocates for the first such block. [audio]
+    /// place than sample for sample are copied. Allocates as Take does; once per Take. [audio]
     void SeparateInputs(int channels, int count);
 
     /// [layout.outputs][count], valid until the next Take. [audio]
@@ -28,9 +28,14 @@ public:
     float* const* Outputs() const noexcept { return outputs_.data(); }
 
 private:
+    /// Memory for one channel, until the next Take.
+    float* Spare(int count) { return spares_[spareCount_++].Get(count); }
+
     std::array<const float*, MBusLayout::kMaxChannels> inputs_{};
     std::array<float*, MBusLayout::kMaxChannels> outputs_{};
-    std::array<MGrowingBuffer<float>, MBusLayout::kMaxChannels> unheard_;
-    std::array<MGrowingBuffer<float>, MBusLayout::kMaxChannels> copies_;  // of inputs
-    MGrowingBuffer<float> silence_;
+    // For silence, for what is not heard and for copies of inputs. A channel without an input has
+    // none to copy, and where no output is heard none is shared.
+    static constexpr int kSpares = 2 * MBusLayout::kMaxChannels;
+    std::array<MGrowingBuffer<float>, kSpares> spares_;
+    int spareCount_ = 0;
 };
