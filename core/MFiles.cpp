@@ -12,6 +12,7 @@
 #else
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -27,7 +28,8 @@ constexpr std::string_view kNotWritten = "\"{0}\" cannot be written.";
 
 #ifdef _WIN32
 
-void WriteThrough(const fs::path& file, std::string_view content) {
+// Who may read it is up to the folder.
+void WriteThrough(const fs::path& file, const fs::path& /*model*/, std::string_view content) {
     HANDLE const handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                       FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) Fail(kNotWritten, file);
@@ -54,10 +56,23 @@ void MoveOver(const fs::path& from, const fs::path& to) {
 
 #else
 
-void WriteThrough(const fs::path& file, std::string_view content) {
-    const int handle = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+/// Gives a file the owner, as far as the system lets us, and the permissions of another.
+bool Resemble(int handle, const struct stat& model) {
+    // Without the group, what the group may do would go to another one.
+    const bool isOurs = fchown(handle, model.st_uid, model.st_gid) == 0 ||
+                        fchown(handle, static_cast<uid_t>(-1), model.st_gid) == 0;
+    constexpr mode_t kAll = 07777, kOfGroup = 070;
+    return fchmod(handle, model.st_mode & (isOurs ? kAll : kAll & ~kOfGroup)) == 0;
+}
+
+// The permissions are those of `model` where there is such a file.
+void WriteThrough(const fs::path& file, const fs::path& model, std::string_view content) {
+    struct stat present {};
+    const bool isNew = stat(model.c_str(), &present) != 0;
+    const int handle =
+        open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isNew ? 0666 : 0600);
     if (handle < 0) Fail(kNotWritten, file);
-    bool done = true;
+    bool done = isNew || Resemble(handle, present);
     while (done && !content.empty()) {
         const ssize_t written = write(handle, content.data(), content.size());
         if (written > 0) content.remove_prefix(static_cast<std::size_t>(written));
@@ -76,6 +91,20 @@ void MoveOver(const fs::path& from, const fs::path& to) {
 }
 
 #endif
+
+/// Where links at `file` lead to, be it there or not.
+fs::path TargetOf(const fs::path& file) {
+    constexpr int kMostLinks = 40;  // as the system's own limit
+    fs::path target = file;
+    std::error_code error;
+    for (int i = 0; i <= kMostLinks; ++i) {
+        if (!fs::is_symlink(fs::symlink_status(target, error))) return target;
+        const fs::path next = fs::read_symlink(target, error);
+        if (error) break;
+        target = target.parent_path() / next;
+    }
+    Fail(kNotWritten, file);
+}
 
 }  // namespace
 
@@ -103,16 +132,16 @@ std::optional<std::string> MFiles::Read(const fs::path& file, std::size_t larges
 }
 
 void MFiles::Replace(const fs::path& file, std::string_view content) {
-    std::error_code error;
-    fs::create_directories(file.parent_path(), error);
-    if (error) Fail(kNotWritten, file);
     // The file a link leads to is what the user keeps elsewhere; the link itself stays.
-    fs::path target = fs::canonical(file, error);
-    if (error) target = file;
+    const fs::path target = TargetOf(file);
+    std::error_code error;
+    fs::create_directories(target.parent_path(), error);
+    if (error) Fail(kNotWritten, file);
     fs::path temporary = target;
     temporary += ".tmp";
+    fs::remove(temporary, error);  // left by a crash
     try {
-        WriteThrough(temporary, content);
+        WriteThrough(temporary, target, content);
         MoveOver(temporary, target);
     } catch (...) {
         fs::remove(temporary, error);

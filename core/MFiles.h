@@ -19,7 +19,9 @@ std::filesystem::path FromText(std::string_view text);
 std::optional<std::string> Read(const std::filesystem::path& file, std::size_t largest);
 
 /// Makes `content` the whole of `file`: whoever opens it, and whatever goes wrong, finds the old
-/// content or the new one and never a part. Makes the folders that are missing. [main]
+/// content or the new one and never a part. Keeps the permissions of the file that was there, and
+/// links that lead to it. Makes the folders that are missing. One thread and process at a time may
+/// replace a file. [main]
 void Replace(const std::filesystem::path& file, std::string_view content);
 
 /// Renames `file` to its own name and ".damaged", or ".damaged-2" and so on where that is taken.
