@@ -151,13 +151,13 @@ void MAudioEffectPluginToAudioPluginAdapter::ProcessMIDIEvent(
     midi_.Receive(deltaFrames, data);
 }
 
-void MAudioEffectPluginToAudioPluginAdapter::NoteOn(int /*channel*/, int note,
+void MAudioEffectPluginToAudioPluginAdapter::NoteOn(int channel, int note,
                                                     double velocity) noexcept {
-    modulation_.NoteOn(note, velocity);
+    modulation_.NoteOn(channel, note, velocity);
 }
 
-void MAudioEffectPluginToAudioPluginAdapter::NoteOff(int /*channel*/, int note) noexcept {
-    modulation_.NoteOff(note);
+void MAudioEffectPluginToAudioPluginAdapter::NoteOff(int channel, int note) noexcept {
+    modulation_.NoteOff(channel, note);
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::SetSideChain(const float* const* channels,

@@ -15,7 +15,7 @@ public:
     bool IsHeld(int channel, int note) const noexcept { return held_[channel - 1][note]; }
 
     /// Whether a key is down on `channel` (0: any) at `note` (below 0: any).
-    bool IsAnyHeld(int channel, int note) const noexcept {
+    bool IsAnyHeld(int channel = 0, int note = -1) const noexcept {
         for (int c = 1; c <= kChannels; ++c) {
             if (channel != 0 && channel != c) continue;
             if (note < 0 ? held_[c - 1].any() : IsHeld(c, note)) return true;

@@ -99,7 +99,7 @@ MModulationTarget MModulation::MakeTarget(const std::string& id) const {
 }
 
 void MModulation::Prepare(int sampleRate) noexcept {
-    keys_.reset();  // their ends will not be told
+    keys_ = {};  // their ends will not be told
     engine_.Prepare(plans_.Front(), sampleRate);
 }
 
@@ -110,13 +110,13 @@ void MModulation::Adopt() noexcept {
     engine_.Begin(plans_.Front());
 }
 
-void MModulation::NoteOn(int note, double velocity) noexcept {
-    keys_.set(static_cast<std::size_t>(note & 127));
+void MModulation::NoteOn(int channel, int note, double velocity) noexcept {
+    keys_.Press(channel, note);
     engine_.NoteOn(plans_.Front(), velocity);
 }
 
 // The envelope holds until the last key is up.
-void MModulation::NoteOff(int note) noexcept {
-    keys_.reset(static_cast<std::size_t>(note & 127));
-    if (keys_.none()) engine_.NoteOff();
+void MModulation::NoteOff(int channel, int note) noexcept {
+    keys_.Release(channel, note);
+    if (!keys_.IsAnyHeld()) engine_.NoteOff();
 }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "adapters/midi/MHeldNotes.h"
 #include "adapters/modulation/MModulationCompiler.h"
 #include "adapters/modulation/MModulationEngine.h"
 #include "core/MMutex.h"
 #include "dsp/MTripleBuffer.h"
 
-#include <bitset>
 #include <functional>
 #include <optional>
 #include <string>
@@ -77,9 +77,9 @@ public:
     void FollowMultiParameters() noexcept { engine_.FollowMultiParameters(plans_.Front()); }
     /// See MModulationEngine; only in blocks in which modulators act. [audio]
     void Advance(const MModulationPiece& piece) noexcept { engine_.Advance(plans_.Front(), piece); }
-    /// A key, 0..127, goes down or up. [audio]
-    void NoteOn(int note, double velocity) noexcept;
-    void NoteOff(int note) noexcept;
+    /// A key goes down or up; channels are 1..16, notes 0..127. [audio]
+    void NoteOn(int channel, int note, double velocity) noexcept;
+    void NoteOff(int channel, int note) noexcept;
 
     /// Whether MultiParameters have moved knobs since the last call: hosts and editors may want to
     /// look. [any]
@@ -98,5 +98,5 @@ private:
 
     MTripleBuffer<MModulationPlan> plans_;
     MModulationEngine engine_{multiParameters_};
-    std::bitset<128> keys_;  // of the audio thread: those that are down
+    MHeldNotes keys_;  // of the audio thread
 };

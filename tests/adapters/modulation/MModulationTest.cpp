@@ -212,16 +212,16 @@ TEST_F(MModulationTest, NotesMoveEnvelopesUntilTheLastKeyIsUp) {
     envelope.modulator.envelope = {.attack = 0, .decay = 0, .sustain = 0.5, .release = 0};
     Modulate(0, envelope, Target("Level", MTargetMode::Range, 0));
     EXPECT_NEAR(Run(64), 0, 1e-5);
-    Modulation().NoteOn(60, 1);
-    Modulation().NoteOn(64, 1);
-    Modulation().NoteOff(60);
+    Modulation().NoteOn(1, 60, 1);
+    Modulation().NoteOn(2, 60, 1);
+    Modulation().NoteOff(1, 60);
     EXPECT_NEAR(Run(64), 5, 1e-5);
-    Modulation().NoteOff(64);
+    Modulation().NoteOff(2, 60);
     EXPECT_NEAR(Run(64), 0, 1e-5);
-    Modulation().NoteOn(60, 1);
+    Modulation().NoteOn(1, 60, 1);
     adapter_->InitProcessing();
-    Modulation().NoteOn(64, 1);
-    Modulation().NoteOff(64);
+    Modulation().NoteOn(1, 64, 1);
+    Modulation().NoteOff(1, 64);
     EXPECT_NEAR(Run(64), 0, 1e-5) << "a key that was down before";
 }
 
