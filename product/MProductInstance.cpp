@@ -16,6 +16,7 @@ MProductInstance::MProductInstance()
     presets_ = std::make_unique<Presets>(*library_, *plugin_);
     bandPresets_ = std::make_unique<BandPresets>(*bandLibrary_, *plugin_);
     switcher_.SetStep([this](int steps) { presets_->Step(steps); });
+    switcher_.SetChoice([this](int place) { presets_->LoadPlace(place); });
 }
 
 // The step in hand needs what goes first.

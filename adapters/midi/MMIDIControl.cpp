@@ -74,6 +74,7 @@ std::vector<std::string> MMIDIControl::Publish() {
     };
     routing_ = {};
     routing_.presetController = settings_.presetController;
+    routing_.presetPrograms = settings_.presetPrograms;
     for (int place = 0; place < MMIDISettings::kAssignments; ++place) {
         const MControllerAssignment& controller = settings_.controllers[place];
         if (controller.isEnabled && settings_.areControllersEnabled) {

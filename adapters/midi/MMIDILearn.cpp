@@ -5,6 +5,12 @@ namespace {
 
 using Kind = MMIDIMessage::Kind;
 
+bool IsOfInterest(const MMIDIMessage& message) noexcept {
+    const bool movesNothing = message.kind == Kind::None || message.kind == Kind::NoteOff ||
+                              message.kind == Kind::ProgramChange;
+    return !movesNothing && !message.IsChannelMode();
+}
+
 MMIDILearn::Wanted OfferOf(const MMIDIMessage& message) noexcept {
     return message.kind == Kind::NoteOn ? MMIDILearn::Wanted::Note : MMIDILearn::Wanted::Controller;
 }
@@ -32,9 +38,9 @@ void MMIDILearn::Cancel() noexcept {
 
 void MMIDILearn::Offer(const MMIDIMessage& message) noexcept {
     std::uint64_t armed = armed_.load(std::memory_order_relaxed);
-    if (armed == 0 || message.kind == Kind::None || message.kind == Kind::NoteOff) return;
+    if (armed == 0 || !IsOfInterest(message)) return;
     const auto offer = static_cast<std::uint64_t>(OfferOf(message));
-    if (message.IsChannelMode() || (armed & offer) == 0) return;
+    if ((armed & offer) == 0) return;
     // Another Arm or a Cancel may have come between.
     if (!armed_.compare_exchange_strong(armed, 0)) return;
     const std::uint64_t serial = armed >> 32 << 32;

@@ -7,6 +7,7 @@ MMIDIMessage MMIDIMessage::Parse(const std::array<std::uint8_t, 4>& data) noexce
     const std::uint8_t first = data[1];
     const std::uint8_t second = data[2];
     // One data byte only: what follows may be anything.
+    if ((data[0] & 0xF0) == 0xC0 && first < 0x80) return {Kind::ProgramChange, channel, first, 0};
     if ((data[0] & 0xF0) == 0xD0 && first < 0x80) {
         return {Kind::ChannelAftertouch, channel, 0, first};
     }

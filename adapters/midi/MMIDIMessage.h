@@ -12,6 +12,7 @@ struct MMIDIMessage {
         NoteOn,
         PolyAftertouch,
         Controller,
+        ProgramChange,
         ChannelAftertouch,
         PitchBend
     };
@@ -27,6 +28,6 @@ struct MMIDIMessage {
 
     Kind kind = Kind::None;
     std::uint8_t channel = 0;  ///< 1..16
-    std::uint8_t number = 0;   ///< 0..127: note or controller; 0 where there is none
+    std::uint8_t number = 0;   ///< 0..127: note, controller or program; 0 where there is none
     std::uint16_t value = 0;   ///< 0..127, of a pitch bend 0..16383 with the middle at 8192
 };

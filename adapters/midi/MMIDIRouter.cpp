@@ -41,6 +41,9 @@ void MMIDIRouter::Apply(const MMIDIMessage& message, MMIDIListener* listener) no
         case Kind::Controller:
             ProcessMIDIController(message, listener);
             break;
+        case Kind::ProgramChange:
+            ChoosePreset(message);
+            break;
         case Kind::ChannelAftertouch:
         case Kind::PolyAftertouch:
             ProcessAftertouch(message);
@@ -128,6 +131,12 @@ void MMIDIRouter::StepPresets(const MMIDIMessage& message) noexcept {
     if (message.value > 0) step = message.value < 64 ? -1 : 1;
     const int before = std::exchange(presetStep_, step);
     if (step != before && step != 0 && presets_ != nullptr) presets_->PostStep(step);
+}
+
+void MMIDIRouter::ChoosePreset(const MMIDIMessage& message) noexcept {
+    const MPresetPrograms& programs = routing_.presetPrograms;
+    const bool isIt = programs.isEnabled && IsOnChannel(programs.channel, message.channel);
+    if (isIt && presets_ != nullptr) presets_->PostPlace(message.number);
 }
 
 void MMIDIRouter::ProcessNote(const MMIDIMessage& message, MMIDIListener* listener) noexcept {

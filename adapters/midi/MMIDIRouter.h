@@ -16,7 +16,8 @@ class MAudioPlugin;
 class MPresetStepper;
 
 /// What MIDI messages do: controllers and notes move parameters, one controller steps through the
-/// presets, and notes go on to a listener. [audio] but for what says otherwise.
+/// presets, programs choose them, and notes go on to a listener. [audio] but for what says
+/// otherwise.
 class MMIDIRouter {
 public:
     static constexpr int kFirstNoteBit = MMIDISettings::kAssignments;
@@ -49,6 +50,7 @@ private:
     void ProcessNote(const MMIDIMessage& message, MMIDIListener* listener) noexcept;
     void ReleaseNote(int channel, int note, MMIDIListener* listener) noexcept;
     void StepPresets(const MMIDIMessage& message) noexcept;
+    void ChoosePreset(const MMIDIMessage& message) noexcept;
     void MoveController(int place, double x) noexcept;
     void PressNote(int place, double velocity) noexcept;
     double Write(int bit, std::uint32_t identifier, double target) noexcept;

@@ -40,4 +40,5 @@ struct MMIDIRouting {
     Table<Controller> controllers;
     Table<Note> notes;
     MPresetController presetController;
+    MPresetPrograms presetPrograms;
 };

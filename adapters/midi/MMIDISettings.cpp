@@ -35,7 +35,9 @@ void StoreList(MXMLNode node, const MArchive& archive, std::string_view listName
 void MMIDISettings::Correct() {
     MPresetController& preset = presetController;
     if (preset.controller < 0 || preset.controller > 127) preset.controller = 0;
-    if (preset.channel < 0 || preset.channel > 16) preset.channel = 0;
+    for (int* const channel : {&preset.channel, &presetPrograms.channel}) {
+        if (*channel < 0 || *channel > 16) *channel = 0;
+    }
     for (MControllerAssignment& each : controllers) each = each.Corrected();
     for (MNoteAssignment& each : notes) each = each.Corrected();
 }
@@ -47,6 +49,9 @@ void MMIDISettings::Store(MXMLNode node, const MArchive& archive) {
     archive.Switch(preset, "Enabled", presetController.isEnabled);
     archive.Integer(preset, "Controller", presetController.controller);
     archive.Integer(preset, "Channel", presetController.channel);
+    const MXMLNode programs = archive.Child(node, "PresetPrograms");
+    archive.Switch(programs, "Enabled", presetPrograms.isEnabled);
+    archive.Integer(programs, "Channel", presetPrograms.channel);
     StoreList(node, archive, "Controllers", "Controller", controllers);
     StoreList(node, archive, "NoteControllers", "NoteController", notes);
     Correct();

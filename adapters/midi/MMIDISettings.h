@@ -17,6 +17,16 @@ struct MPresetController {
     bool operator==(const MPresetController&) const = default;
 };
 
+/// Program changes that choose presets: program n the n-th one, from 0, in the order in which a
+/// preset controller steps through them. Off at first, since sequencers send them at the start of a
+/// song whether anybody wants them or not.
+struct MPresetPrograms {
+    bool isEnabled = false;
+    int channel = 0;  ///< 1..16, 0 for all of them
+
+    bool operator==(const MPresetPrograms&) const = default;
+};
+
 /// All that a user sets about MIDI.
 struct MMIDISettings {
     static constexpr int kAssignments = 32;
@@ -24,6 +34,7 @@ struct MMIDISettings {
     bool areControllersEnabled = true;
     bool areNoteControllersEnabled = true;
     MPresetController presetController;
+    MPresetPrograms presetPrograms;
     std::array<MControllerAssignment, kAssignments> controllers;
     std::array<MNoteAssignment, kAssignments> notes;
 
@@ -33,9 +44,10 @@ struct MMIDISettings {
     void Correct();
 
     /// Keys of the node: "ControllersEnabled", "NoteControllersEnabled"; its children
-    /// "PreviousNextPresetController" ("Enabled", "Controller", "Channel"), "Controllers" with
-    /// "Controller" elements and "NoteControllers" with "NoteController" elements, as many as are
-    /// in use. Reading such a list replaces all assignments; elements after the 32nd are ignored.
+    /// "PreviousNextPresetController" ("Enabled", "Controller", "Channel"), "PresetPrograms"
+    /// ("Enabled", "Channel"), "Controllers" with "Controller" elements and "NoteControllers" with
+    /// "NoteController" elements, as many as are in use. Reading such a list replaces all
+    /// assignments; elements after the 32nd are ignored.
     /// [main]
     void Store(MXMLNode node, const MArchive& archive);
 };

@@ -42,6 +42,16 @@ public:
         LoadEntry(list->entries[static_cast<std::size_t>(index)]);
     }
 
+    /// Loads the preset at `place` in the list, from 0; throws where there is none. [main]
+    void LoadPlace(int place) {
+        const MLock loading(loadLock_);
+        const auto list = library_.List();
+        if (place < 0 || std::cmp_greater_equal(place, list->entries.size())) {
+            throw MException(MFormat("There is no preset for program {0}.", place));
+        }
+        LoadEntry(list->entries[static_cast<std::size_t>(place)]);
+    }
+
     /// Loads the preset `steps` places further on (negative: back); the list's ends meet. Without
     /// an active preset, steps count from just before the first one. A preset that cannot be loaded
     /// is reported and passed over: it must not bar the way. [main]

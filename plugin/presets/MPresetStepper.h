@@ -13,6 +13,9 @@ public:
     /// Asks for the preset `steps` places further on (negative: back). Must neither wait, allocate
     /// nor throw: the preset is loaded later, on a thread that may take its time. [audio]
     virtual void PostStep(int steps) noexcept = 0;
+    /// Asks in the same way for the preset at `place` in the list, from 0; steps that are still to
+    /// be made are not any more. [audio]
+    virtual void PostPlace(int /*place*/) noexcept {}
 
 protected:
     ~MPresetStepper() = default;

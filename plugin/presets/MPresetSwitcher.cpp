@@ -5,7 +5,15 @@
 
 #include <utility>
 
+namespace {
+
+constexpr std::int64_t kPlace = std::int64_t{1} << 32;
+
+}  // namespace
+
 void MPresetSwitcher::SetStep(Step step) { step_ = std::move(step); }
+
+void MPresetSwitcher::SetChoice(Choice choice) { choice_ = std::move(choice); }
 
 void MPresetSwitcher::Start() {
     if (worker_ != nullptr) return;
@@ -23,12 +31,19 @@ void MPresetSwitcher::Stop() {
 }
 
 void MPresetSwitcher::PostStep(int steps) noexcept {
-    steps_.fetch_add(steps);
+    posted_.fetch_add(steps);
+    if (MBackgroundWorker* const worker = started_.load()) worker->Ask(*this);
+}
+
+void MPresetSwitcher::PostPlace(int place) noexcept {
+    posted_.store((place + 1) * kPlace);
     if (MBackgroundWorker* const worker = started_.load()) worker->Ask(*this);
 }
 
 void MPresetSwitcher::Work() noexcept {
-    const int steps = steps_.exchange(0);
-    if (steps == 0) return;
-    Guard("MPresetSwitcher::Work", [&] { step_(steps); });
+    const std::int64_t posted = posted_.exchange(0);
+    const auto steps = static_cast<std::int32_t>(posted);
+    const auto place = static_cast<int>((posted - steps) / kPlace) - 1;
+    if (place >= 0 && choice_) Guard("MPresetSwitcher::Work", [&] { choice_(place); });
+    if (steps != 0 && step_) Guard("MPresetSwitcher::Work", [&] { step_(steps); });
 }

@@ -40,11 +40,13 @@ public:
         sent.emplace_back(identifier, x);
     }
     void PostStep(int step) noexcept override { steps += step * 10 + 1; }
+    void PostPlace(int place) noexcept override { places.push_back(place); }
     void NoteOn(int, int, double) noexcept override { ++ons; }
     void NoteOff(int, int) noexcept override { ++offs; }
 
     std::array<ParameterDefinition, 3> records;
     std::vector<std::pair<std::uint32_t, double>> sent;
+    std::vector<int> places;
     int steps = 0, ons = 0, offs = 0;
 };
 
@@ -240,6 +242,23 @@ TEST_F(MMIDIControlTest, StoresItsSettingsAndSurvivesBadOnes) {
               (MControllerAssignment{true, {.isHighResolution = true}, {}, {}}));
     EXPECT_EQ(loaded.Settings().controllers[4], MControllerAssignment{});
     EXPECT_EQ(loaded.Settings().notes, settings.notes);
+}
+
+TEST_F(MMIDIControlTest, ProgramsChoosePresetsWhereTheUserHasSaidSo) {
+    Send(0xC0, 5, 0);
+    settings.presetPrograms = {true, 3};
+    control.SetSettings(settings);
+    control.Learn().Arm(0, MMIDILearn::Wanted::Either);
+    Send(0xC2, 127, 0xFF);  // the second byte is none of its own
+    Send(0xC3, 6, 0);
+    Send(0xC2, 0, 0);
+    EXPECT_THAT(plugin.places, ElementsAre(127, 0));
+    EXPECT_TRUE(control.Learn().IsArmed());
+    MXMLTree tree("settings");
+    control.Store(tree.Root(), MArchive(MArchive::Direction::Write));
+    MMIDIControl loaded(plugin, nullptr);
+    loaded.Store(tree.Root(), MArchive(MArchive::Direction::Read));
+    EXPECT_EQ(loaded.Settings(), settings);
 }
 
 }  // namespace

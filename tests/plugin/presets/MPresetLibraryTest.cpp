@@ -167,6 +167,10 @@ TEST_F(MPresetLibraryTest, StepsRoundTheListAndOverWhatCannotBeLoaded) {
     EXPECT_EQ(target, "<s v=\"2\" ");
     library.Save("Mine", Preset("9"));
     EXPECT_THROW(manager.Load("Mine"), MException);
+    manager.LoadPlace(0);
+    EXPECT_EQ(manager.ActivePath(), "Dub/Tape");
+    manager.LoadPlace(1);
+    for (const int place : {-1, 3}) EXPECT_THROW(manager.LoadPlace(place), MException) << place;
     EXPECT_THROW(manager.Load("Dub/Nothing"), MException);
     EXPECT_EQ(manager.ActivePath(), "Dub/Siren");
     const Reports reports;

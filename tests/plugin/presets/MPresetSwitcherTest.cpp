@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -65,4 +66,25 @@ TEST(MPresetSwitcher, WaitsForTheStepInHandWhenItGoes) {
         }
         ASSERT_FALSE(isAtWork);
     }
+}
+
+TEST(MPresetSwitcher, StepsOnFromThePlaceThatWasAskedForLast) {
+    std::vector<int> asked;
+    std::promise<void> hasStepped;
+    {
+        MPresetSwitcher switcher;
+        switcher.SetStep([&](int steps) {
+            asked.push_back(steps);
+            hasStepped.set_value();
+        });
+        switcher.SetChoice([&](int place) { asked.push_back(1000 + place); });
+        switcher.PostStep(-5);
+        switcher.PostPlace(9);
+        switcher.PostPlace(0);
+        switcher.PostStep(-3);
+        switcher.PostStep(1);
+        switcher.Start();
+        hasStepped.get_future().wait();
+    }
+    EXPECT_EQ(asked, (std::vector{1000, -2}));
 }
