@@ -7,7 +7,7 @@ from values import (EFFECT, GLOBAL, LENGTHS, TAP, TYPES, Fault, decibels, hertz,
                     seconds)
 
 SHAPES = ["sine", "triangle", "saw", "sawdown", "square", "stepped", "smooth", "steps"]
-SOURCES = {**dict.fromkeys(SHAPES, 0), "follower": 1, "walk": 3}
+SOURCES = {**dict.fromkeys(SHAPES, 0), "follower": 1, "envelope": 2, "walk": 3}
 MODES = {"+-": 1, "+": 2, "-": 3, "..": 4}
 ENDS = {mix: (0, 1), percent: (0, 1), level: (0, 1), decibels: (-24, 24), panorama: (-1, 1),
         hertz: (hertz("20 Hz"), hertz("20 kHz")), TAP["Delay"][1]: (0, 0.5), TAP["Left offset"][1]: (-0.1, 0.1),
@@ -35,10 +35,12 @@ COMMON = {"depth": ("Depth", percent), "offset": ("Offset", signed_percent), "la
 FOLLOWER = {"attack": ("FollowerAttack", UP_TO_A_MINUTE), "release": ("FollowerRelease", UP_TO_A_MINUTE),
             "threshold": ("FollowerThreshold", loudness(-120, 24)), "knee": ("FollowerKnee", loudness(0, 48)),
             "range": ("FollowerRange", loudness(0, 144))}
+ENVELOPE = {"attack": ("Attack", UP_TO_A_MINUTE), "decay": ("Decay", UP_TO_A_MINUTE), "sustain": ("Sustain", percent),
+            "release": ("Release", UP_TO_A_MINUTE), "velocity": ("VelocityAmount", percent)}
 WALK = {"seed": ("Seed", seed), "smoothness": ("WalkSmoothness", percent)}
 OSCILLATOR = {"seed": ("Seed", seed), "phase": ("Phase", percent), "width": ("Width", percent),
               "glide": ("Smoothing", percent)}
-OPTIONS = [OSCILLATOR, FOLLOWER, None, WALK]
+OPTIONS = [OSCILLATOR, FOLLOWER, ENVELOPE, WALK]
 
 
 def source(text):
@@ -63,7 +65,7 @@ def source(text):
         elif kind == 0:
             oscillator_word(word, words, values)
         else:
-            raise Fault(f'"{word}" means nothing to a follower')
+            raise Fault(f'"{word}" means nothing to a source without a rate')
     return values
 
 

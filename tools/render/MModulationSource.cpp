@@ -23,7 +23,7 @@ constexpr std::pair<std::string_view, MShape> kShapes[] = {
     {"smooth", MShape::SmoothRandom}, {"steps", MShape::Steps}};
 
 constexpr const char* kSources =
-    "sine, triangle, saw, sawdown, square, stepped, smooth, steps, follower or walk";
+    "sine, triangle, saw, sawdown, square, stepped, smooth, steps, follower, envelope or walk";
 
 /// Goes through the words of a text.
 class Words {
@@ -126,6 +126,8 @@ void ReadName(const std::string& word, MModulatorSettings& settings) {
     }
     if (word == "follower") {
         settings.source = MModulatorSource::Follower;
+    } else if (word == "envelope") {
+        settings.source = MModulatorSource::Envelope;
     } else if (word == "walk") {
         settings.source = MModulatorSource::RandomWalk;
     } else {
@@ -145,6 +147,14 @@ std::vector<Option> OptionsOf(MModulatorSettings& settings, double& seed) {
         add({"threshold", "db ", -120, 24, &settings.follower.threshold});
         add({"knee", "db ", 0, 48, &settings.follower.knee});
         add({"range", "db ", 0, 144, &settings.follower.range});
+        return options;
+    }
+    if (settings.source == MModulatorSource::Envelope) {
+        add({"attack", "s ms ", 0, kLongest, &settings.envelope.attack});
+        add({"decay", "s ms ", 0, kLongest, &settings.envelope.decay});
+        add({"sustain", "% ", 0, 1, &settings.envelope.sustain});
+        add({"release", "s ms ", 0, kLongest, &settings.envelope.release});
+        add({"velocity", "% ", 0, 1, &settings.envelope.velocityAmount});
         return options;
     }
     add({"seed", "", 0, 4294967295.0, &seed});
@@ -191,6 +201,7 @@ void MReadModulationSource(std::string_view text, MModulatorSettings& settings) 
     double seed = settings.shape.seed;
     const std::vector<Option> options = OptionsOf(settings, seed);
     const bool isWalk = settings.source == MModulatorSource::RandomWalk;
+    const bool hasRate = isWalk || settings.source == MModulatorSource::Oscillator;
     while (!words.IsDone()) {
         if (ReadOption(words, options, settings)) continue;
         const std::string word = words.Peek();
@@ -198,7 +209,7 @@ void MReadModulationSource(std::string_view text, MModulatorSettings& settings) 
             words.Take();
             continue;
         }
-        if (settings.source != MModulatorSource::Follower && MText::ReadLeadingNumber(word)) {
+        if (hasRate && MText::ReadLeadingNumber(word)) {
             double& rate = isWalk ? settings.walk.rate : settings.rate;
             rate = Take(words, {"the rate", "hz ", 0.01, 50, nullptr});
             continue;

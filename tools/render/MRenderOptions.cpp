@@ -59,11 +59,12 @@ Modulation
   --modulate lets a source move parameters, up to four times: --modulate "SOURCE -> NAME: WAY; ...".
   A source is sine, triangle, saw, sawdown, square, stepped, smooth (both random) or steps, each with a
   rate or a note ("sine 0.5 Hz", "saw 1/4d") and, as wanted, phase 25%, width 30%, glide 10%, seed 7,
-  once, values 0 0.5 1 (of steps); walk 2 Hz smoothness 50% (a random walk); or follower attack 5 ms
-  release 200 ms threshold -40 dB knee 6 dB range 40 dB, which follows the level of the input. All take
-  depth 50%, offset 10%, lag 20 ms and invert. A way is a range, "200 Hz .. 800 Hz", or a part of the
-  parameter's whole: "+-20%" around where it stands, "+20%" above, "-20%" below. Sources that meet at
-  one parameter add up.
+  once, values 0 0.5 1 (of steps); walk 2 Hz smoothness 50% (a random walk); follower attack 5 ms
+  release 200 ms threshold -40 dB knee 6 dB range 40 dB, which follows the level of the input; or
+  envelope attack 10 ms decay 100 ms sustain 50% release 200 ms velocity 100%, which the notes of --midi
+  start and end. All take depth 50%, offset 10%, lag 20 ms and invert. A way is a range, "200 Hz ..
+  800 Hz", or a part of the parameter's whole: "+-20%" around where it stands, "+20%" above, "-20%"
+  below. Sources that meet at one parameter add up.
 
 Examples
   kestrune-render loop.flac out.wav --set "Delay=120 ms" --set "Feedback=-20 dB"
@@ -73,6 +74,7 @@ Examples
     --set "Band 2 Delay=1/8" --set "Band 3 Delay=1/8d" --set "Band gain 3=-6 dB"
   kestrune-render loop.flac out.wav --limits 400 --modulate "sine 1/4 -> Band limit 1: 200 Hz .. 800 Hz"
     --modulate "follower invert -> Wet: 20% .. 100%"
+  kestrune-render loop.flac out.wav --midi keys.mid --modulate "envelope release 1 s -> Feedback: +40%"
   kestrune-render loop.flac out.wav --preset "Dub/Tape echo" --bpm 137 --set "Wet=30%"
   kestrune-render loop.flac out.wav --bands 4 --slope 48 --automation sweep.json --wet "-3 dB"
   kestrune-render loop.flac out.wav --state preset.xml --set "Band 2 Delay=1/8"

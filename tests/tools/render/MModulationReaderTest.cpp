@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 class MModulationReaderTest : public testing::Test {
@@ -47,6 +49,13 @@ TEST_F(MModulationReaderTest, ReadsSourcesAndWays) {
     EXPECT_EQ(read.modulator.shape.steps[1], 0.5);
     EXPECT_TRUE(read.modulator.isInverted);
     EXPECT_EQ(read.targets[0].motion.minimum, 1);
+
+    read = Read("envelope attack 5 ms decay 0.2 sustain 30% release 1 s velocity 1 -> Wet: +50%");
+    EXPECT_EQ(read.modulator.source, MModulatorSource::Envelope);
+    const MADSRSettings& envelope = read.modulator.envelope;
+    EXPECT_EQ(std::tie(envelope.attack, envelope.decay, envelope.sustain, envelope.release,
+                       envelope.velocityAmount),
+              std::make_tuple(0.005, 0.2, 0.3, 1.0, 1.0));
 }
 
 TEST_F(MModulationReaderTest, SaysWhatWouldBeUnderstood) {
@@ -58,6 +67,7 @@ TEST_F(MModulationReaderTest, SaysWhatWouldBeUnderstood) {
         {"sine 90 Hz -> Wet: +20%", "the rate takes 0.01 to 50"},
         {"sine 1/5 -> Wet: +20%", "\"1/5\" is no note"},
         {"sine 1 Hz attack 5 ms -> Wet: +20%", "\"attack\" means nothing here"},
+        {"envelope 2 Hz -> Wet: +20%", "\"2\" means nothing here"},
         {"walk width 3 -> Wet: +20%", "\"width\" means nothing here"},
         {"follower attack 5 -> Wet", "does not say how far"},
         {"follower attack 5 dB -> Wet: +20%", "attack takes 0 to 60 s, or ms"},
