@@ -27,21 +27,8 @@ constexpr CellPair kFourBands[] = {{{3, 0}, {2, 0}}, {{3, 1}, {3, 1}}};
 constexpr CellPair kFiveBands[] = {{{4, 0}, {3, 0}}, {{4, 1}, {3, 1}}, {{4, 2}, {2, 0}}};
 constexpr CellPair kSixBands[] = {
     {{5, 0}, {4, 0}}, {{5, 1}, {4, 1}}, {{5, 2}, {4, 2}}, {{5, 3}, {3, 0}}, {{3, 1}, {2, 0}}};
-
-std::span<const CellPair> AligningCells(int bandCount) noexcept {
-    switch (bandCount) {
-        case 3:
-            return kThreeBands;
-        case 4:
-            return kFourBands;
-        case 5:
-            return kFiveBands;
-        case 6:
-            return kSixBands;
-        default:
-            return {};
-    }
-}
+constexpr std::span<const CellPair> kAligningCells[kMaxCrossoverBands + 1] = {
+    {}, {}, {}, kThreeBands, kFourBands, kFiveBands, kSixBands};
 
 /// Moves the sections of `applied` applications from where a filter of `from` sections has them to
 /// where one of `to` sections has them, and silences what is new.
@@ -191,7 +178,7 @@ void MAnalogPairState::AlignPhases(const MAnalogCrossoverDesign& design, Buffers
     };
     std::array<MKernelStage, kMaxCrossoverPoints> stages{};
     int count = 0;
-    for (const CellPair& cells : AligningCells(design.BandCount())) {
+    for (const CellPair& cells : kAligningCells[design.BandCount()]) {
         stages[count++] = {filter(cells.a), filter(cells.b)};
     }
     Kernels().crossover->runStages(stages.data(), count, design.shape.sectionCount, frames);

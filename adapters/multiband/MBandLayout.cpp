@@ -4,15 +4,19 @@
 #include "core/MException.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 
 namespace {
 
-constexpr double kTwoBands[] = {1000};
-constexpr double kThreeBands[] = {200, 2000};
-constexpr double kFourBands[] = {200, 1000, 5000};
-constexpr double kFiveBands[] = {100, 500, 2000, 8000};
-constexpr double kSixBands[] = {100, 300, 1000, 3000, 8000};
+// One row for each number of bands.
+constexpr double kDefaultLimits[MBandLayout::kMaxBands][MBandLayout::kMaxBands - 1] = {
+    {},
+    {1000},
+    {200, 2000},
+    {200, 1000, 5000},
+    {100, 500, 2000, 8000},
+    {100, 300, 1000, 3000, 8000}};
 
 }  // namespace
 
@@ -22,20 +26,8 @@ void MBandLayout::CheckBandCount(int bandCount) {
 
 std::span<const double> MBandLayout::DefaultLimits(int bandCount) {
     CheckBandCount(bandCount);
-    switch (bandCount) {
-        case 2:
-            return kTwoBands;
-        case 3:
-            return kThreeBands;
-        case 4:
-            return kFourBands;
-        case 5:
-            return kFiveBands;
-        case 6:
-            return kSixBands;
-        default:
-            return {};
-    }
+    const auto limits = static_cast<std::size_t>(bandCount - 1);
+    return std::span(kDefaultLimits[limits]).first(limits);
 }
 
 void MBandLayout::SetDefaults(int count) {

@@ -3,7 +3,10 @@
 
 #include "plugin/parameters/ParameterBase.h"
 
+#include <algorithm>
+#include <array>
 #include <concepts>
+#include <cstddef>
 #include <utility>
 
 /// What a parameter may hold instead of a number: it writes itself to an element and reads itself
@@ -14,9 +17,18 @@ concept MStorableObject = requires(const Object& constant, Object& object, MXMLN
     { object.Load(node) } -> std::convertible_to<bool>;
 };
 
-/// A parameter that holds an object. In the state the object has a child element, named by `Tag`
-/// and told from others of its kind by the parameter's identifier text.
-template <MStorableObject Object, class Tag>
+/// A text as an argument of a template.
+template <std::size_t kSize>
+struct MElementName {
+    // Not explicit: a text in quotes is to be one.
+    constexpr MElementName(const char (&name)[kSize]) { std::copy_n(name, kSize, text.begin()); }
+
+    std::array<char, kSize> text{};
+};
+
+/// A parameter that holds an object. In the state the object has a child element, named by
+/// `kElement` and told from others of its kind by the parameter's identifier text.
+template <MStorableObject Object, MElementName kElement>
 class ParameterObjectT : public ParameterSpecialBaseCustom {
 public:
     /// `arguments` make the object. [setup]
@@ -30,15 +42,16 @@ public:
     const Object& Get() const noexcept { return object_; }
 
     void SaveObject(MXMLNode node) const override {
-        MXMLNode child = node.AddChild(Tag::kElement);
+        MXMLNode child = node.AddChild(kElement.text.data());
         child.SetAttribute("id", this->GetID());
         object_.Save(child);
     }
 
     bool LoadObject(MXMLNode node) override {
         for (const MXMLNode& child : node.Children()) {
-            if (child.Name() != Tag::kElement || child.Attribute("id") != this->GetID()) continue;
-            return object_.Load(child);
+            const bool isOurs =
+                child.Name() == kElement.text.data() && child.Attribute("id") == this->GetID();
+            if (isOurs) return object_.Load(child);
         }
         return false;
     }
@@ -47,52 +60,25 @@ private:
     Object object_;
 };
 
-/// Names of the objects' elements in the state; never renamed.
-namespace ParameterObjectTags {
-struct SignalGenerator {
-    static constexpr const char* kElement = "SignalGenerator";
-};
-struct SignalGeneratorStepSequencer {
-    static constexpr const char* kElement = "SignalGeneratorStepSequencer";
-};
-struct SignalGeneratorStepSequencerTypes {
-    static constexpr const char* kElement = "SignalGeneratorStepSequencerTypes";
-};
-struct SignalGeneratorTransformations {
-    static constexpr const char* kElement = "SignalGeneratorTransformations";
-};
-struct SignalGeneratorShapeHarmonics {
-    static constexpr const char* kElement = "SignalGeneratorShapeHarmonics";
-};
-struct SignalGeneratorHarmonics {
-    static constexpr const char* kElement = "SignalGeneratorHarmonics";
-};
-struct ADSR {
-    static constexpr const char* kElement = "ADSR";
-};
-struct Envelope {
-    static constexpr const char* kElement = "Envelope";
-};
-}  // namespace ParameterObjectTags
+// The names of the elements are stored in states; they are never changed.
 
 template <class Object>
-using ParameterSignalGeneratorT = ParameterObjectT<Object, ParameterObjectTags::SignalGenerator>;
+using ParameterSignalGeneratorT = ParameterObjectT<Object, "SignalGenerator">;
 template <class Object>
 using ParameterSignalGeneratorStepSequencerT =
-    ParameterObjectT<Object, ParameterObjectTags::SignalGeneratorStepSequencer>;
+    ParameterObjectT<Object, "SignalGeneratorStepSequencer">;
 template <class Object>
 using ParameterSignalGeneratorStepSequencerTypesT =
-    ParameterObjectT<Object, ParameterObjectTags::SignalGeneratorStepSequencerTypes>;
+    ParameterObjectT<Object, "SignalGeneratorStepSequencerTypes">;
 template <class Object>
 using ParameterSignalGeneratorTransformationsT =
-    ParameterObjectT<Object, ParameterObjectTags::SignalGeneratorTransformations>;
+    ParameterObjectT<Object, "SignalGeneratorTransformations">;
 template <class Object>
 using ParameterSignalGeneratorShapeHarmonicsT =
-    ParameterObjectT<Object, ParameterObjectTags::SignalGeneratorShapeHarmonics>;
+    ParameterObjectT<Object, "SignalGeneratorShapeHarmonics">;
 template <class Object>
-using ParameterSignalGeneratorHarmonicsT =
-    ParameterObjectT<Object, ParameterObjectTags::SignalGeneratorHarmonics>;
+using ParameterSignalGeneratorHarmonicsT = ParameterObjectT<Object, "SignalGeneratorHarmonics">;
 template <class Object>
-using ParameterADSRT = ParameterObjectT<Object, ParameterObjectTags::ADSR>;
+using ParameterADSRT = ParameterObjectT<Object, "ADSR">;
 template <class Object>
-using ParameterEnvelopeT = ParameterObjectT<Object, ParameterObjectTags::Envelope>;
+using ParameterEnvelopeT = ParameterObjectT<Object, "Envelope">;
