@@ -7,7 +7,7 @@ void MAnalogCrossover::Design(int bandCount, std::span<const double> frequencies
     designs_.Publish();
 }
 
-void MAnalogCrossover::Publish() noexcept {
-    designs_.Back() = prepared_;
+void MAnalogCrossover::Take(const MAnalogCrossoverDesign& design) noexcept {
+    designs_.Back() = design;
     designs_.Publish();
 }

@@ -23,14 +23,8 @@ public:
     /// Throws MException for what cannot be designed, and the design in use stays. Never allocates.
     /// One designing thread at a time. [main]
     void Design(int bandCount, std::span<const double> frequencies, double sampleRate, Slope slope);
-    /// The same in two steps, for a design that is to come into use together with other things.
-    /// Prepare leaves alone what Design works on, so that another thread may use that meanwhile;
-    /// Publish does not. [main]
-    void Prepare(int bandCount, std::span<const double> frequencies, double sampleRate,
-                 Slope slope) {
-        prepared_.Design(bandCount, frequencies, sampleRate, slope);
-    }
-    void Publish() noexcept;
+    /// Makes `design`, which was made elsewhere, the newest one, in the place of Design. [audio]
+    void Take(const MAnalogCrossoverDesign& design) noexcept;
 
     /// Takes over the newest design; call it once at the start of a block. [audio]
     void BeginBlock() noexcept { designs_.Adopt(); }
@@ -65,5 +59,4 @@ public:
 
 private:
     MTripleBuffer<MAnalogCrossoverDesign> designs_;
-    MAnalogCrossoverDesign prepared_;
 };

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/MLinearPhaseCrossover.h"
 
-#include <utility>
-
 MLinearPhaseCrossover::MLinearPhaseCrossover() = default;
 MLinearPhaseCrossover::~MLinearPhaseCrossover() = default;
 
@@ -15,28 +13,15 @@ void MLinearPhaseCrossover::Design(int bandCount, std::span<const double> freque
     memory_.store(owned_.get(), std::memory_order_release);
 }
 
-void MLinearPhaseCrossover::Prepare(int bandCount, std::span<const double> frequencies,
-                                    double sampleRate, bool fixedQ) {
-    const MCrossoverPoints points = CheckCrossoverPoints(bandCount, frequencies, sampleRate);
-    Reserve();
-    owned_->preparer.Design(points, fixedQ, owned_->prepared);
-}
-
-void MLinearPhaseCrossover::Publish() noexcept {
-    std::swap(owned_->designs.Back(), owned_->prepared);
-    owned_->designs.Publish();
-    memory_.store(owned_.get(), std::memory_order_release);
-}
-
 void MLinearPhaseCrossover::Reserve() {
-    if (owned_ != nullptr) return;
-    MRealFFT::Instance();
-    owned_ = std::make_unique<Memory>();
+    std::call_once(isReserved_, [&] {
+        MRealFFT::Instance();
+        owned_ = std::make_unique<Memory>();
+    });
 }
 
 void MLinearPhaseCrossover::BeginBlock() noexcept {
     Memory* const memory = memory_.load(std::memory_order_acquire);
     if (memory == nullptr) return;
-    memory->designs.Adopt();
-    design_ = &memory->designs.Front();
+    if (memory->designs.Adopt()) design_ = &memory->designs.Front();
 }

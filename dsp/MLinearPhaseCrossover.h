@@ -7,13 +7,14 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <span>
 
 /// Splits channels into up to six adjacent bands that leave every phase as it is and come kDelay
 /// samples late. The bands sum to the delayed input within the attenuation of the kernels.
 ///
 /// Designs on one thread, runs on another; neither waits for the other. A new design is taken over
-/// whole by the next BeginBlock. Nothing is allocated before the first Design.
+/// whole by the next BeginBlock. Nothing is allocated before the first Reserve or Design.
 class MLinearPhaseCrossover {
 public:
     /// Delay of every band, in samples: one block and half of the longest kernel.
@@ -26,14 +27,14 @@ public:
     /// order (limits that cross each other are designed as they come), `sampleRate` in hertz.
     /// `fixedQ` makes the steepness in octaves the same everywhere, as of an analog filter: the
     /// hybrid crossover. Throws MException for what cannot be designed, and the design in use
-    /// stays. Allocates on the first call only. One designing thread at a time. [main]
+    /// stays. Allocates on the first call only, unless there was a Reserve. One designing thread at
+    /// a time. [main]
     void Design(int bandCount, std::span<const double> frequencies, double sampleRate, bool fixedQ);
-    /// Design in two steps, for a design that is to come into use together with other things.
-    /// Prepare leaves alone what Design works on, so that another thread may use that meanwhile,
-    /// once there has been a design; Publish does not. [main]
-    void Prepare(int bandCount, std::span<const double> frequencies, double sampleRate,
-                 bool fixedQ);
-    void Publish() noexcept;
+    /// Makes the memory that Design needs, once. [main]
+    void Reserve();
+    /// Makes `design`, which was made elsewhere and is borrowed, the one in use, until the next
+    /// Take or until BeginBlock finds a new one. [audio]
+    void Take(const MLinearPhaseDesign& design) noexcept { design_ = &design; }
 
     /// Takes over the newest design; call it once at the start of a block. [audio]
     void BeginBlock() noexcept;
@@ -61,13 +62,10 @@ private:
         MRealFFT::User transforms;
         MLinearPhaseDesigner designer;
         MTripleBuffer<MLinearPhaseDesign> designs;
-        MLinearPhaseDesigner preparer;
-        MLinearPhaseDesign prepared;
     };
 
-    void Reserve();
-
-    std::unique_ptr<Memory> owned_;               // of the designing thread
+    std::once_flag isReserved_;
+    std::unique_ptr<Memory> owned_;               // of the designing thread, once reserved
     std::atomic<Memory*> memory_ = nullptr;       // the same, set once there is a design
     const MLinearPhaseDesign* design_ = nullptr;  // of the audio thread
 };

@@ -22,6 +22,9 @@ public:
     /// [any]
     explicit MArchive(Direction direction, Base base = Base::Current) noexcept
         : direction_(direction), base_(base) {}
+    virtual ~MArchive() = default;
+    MArchive(const MArchive&) = default;
+    MArchive& operator=(const MArchive&) = default;
 
     bool IsWriting() const noexcept { return direction_ == Direction::Write; }
     /// For those who read into a copy: whether it starts from the defaults.

@@ -101,7 +101,10 @@ bool MAudioEffectPluginToAudioPluginAdapter::InitProcessing_LockedPart() {
     return Guard("MAudioEffectPluginToAudioPluginAdapter::InitProcessing_LockedPart", false, [&] {
         if (effects_.empty()) throw MException("Error creating plugin.");
         isReady_ = false;  // blocks are silent should anything below fail
-        handOver_.Start();
+        {
+            const MLock lock(changeLock_);
+            handOver_.Start();
+        }
         activeLayout_ = BusLayout();
         activeRate_ = SampleRate();
         PrepareEffects();

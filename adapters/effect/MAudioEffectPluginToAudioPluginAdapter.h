@@ -7,6 +7,7 @@
 #include "adapters/effect/MHostedEffect.h"
 #include "adapters/effect/MParameterTable.h"
 #include "adapters/effect/MPresetTriggers.h"
+#include "adapters/effect/MStage.h"
 #include "adapters/effect/MStandardSettings.h"
 #include "adapters/effect/MStateHandOver.h"
 #include "adapters/effect/MStateRecords.h"
@@ -41,10 +42,10 @@ struct MEffectAdapterParts {
 ///
 /// The processing lock keeps InitProcessing and blocks apart. The audio thread only tries it: a
 /// block that falls into an InitProcessing is silent. The change lock lets one thread at a time
-/// store, load or change what consists of several parts, for as long as it takes; the audio thread
-/// gets the result through the hand-over, between two blocks. Everything else crosses threads as
-/// single numbers. Order of the locks: processing, change, then those of the hand-over and of
-/// classes that build on this one.
+/// change what consists of several parts; a state is read and made ready without it, and then
+/// replaces everything under it. The audio thread gets the result through the hand-over, between
+/// two blocks. Everything else crosses threads as single numbers. Order of the locks: processing,
+/// change, then those of the hand-over and of classes that build on this one.
 class MAudioEffectPluginToAudioPluginAdapter : public MAudioPlugin,
                                                public MEffectAdapter,
                                                private MMIDIListener {
@@ -129,38 +130,56 @@ protected:
 
     /// Adds the records whose values belong to the state, once there are effects. [main]
     virtual void AddStateRecords(MStateRecords& records);
-    /// One change, load or save at a time; never to be had by the audio thread.
+    /// One change at a time; never to be had by the audio thread.
     MMutex& ChangeLock() noexcept { return changeLock_; }
+    /// Runs `change` under the change lock when no loaded values are under way, so that what it
+    /// writes into records comes after them. [main]
+    template <class Job>
+    void WhenSettled(Job&& change) {
+        bool isHung = false;
+        for (;;) {
+            {
+                const MLock lock(changeLock_);
+                if (handOver_.Settle(isHung)) {
+                    change();
+                    return;
+                }
+            }
+            isHung = !handOver_.WaitForBlock();
+        }
+    }
     MStateHandOver& HandOver() noexcept { return handOver_; }
     const MStateRecords& StateRecords() const noexcept { return stateRecords_; }
     MStateRecords& MutableStateRecords() noexcept { return stateRecords_; }
 
-    // A state passes through a stage, so that nothing changes until all of it has been read. All of
-    // this is under the change lock.
+    // A state passes through a stage, so that nothing changes until all of it has been read.
+    /// An empty stage of the right kind. [main]
+    virtual std::unique_ptr<MStage> MakeStage() const;
     /// Fills the stage with what is in force or with the defaults. [main]
-    virtual void FillStage(MArchive::Base base);
-    /// Puts what is staged into force. [main]
-    virtual MStateHandOver::Ticket CommitStage();
-    /// The part of it that is this class's, in the course of publishing. [main]
-    void PublishStage() noexcept;
-    MStateRecords::Values& StagedValues() noexcept { return stagedValues_; }
+    virtual void FillStage(MStage& stage, MArchive::Base base);
+    /// Copies what is in force, under the change lock. [main]
+    virtual void ReadIntoStage(MStage& stage);
+    /// Makes everything ready that the stage needs before it can be committed; without any lock.
+    /// [main]
+    virtual void PrepareStage(MStage& /*stage*/) {}
+    /// Puts the stage into force, under the change lock. False when it has to be prepared again.
+    /// [main]
+    virtual bool CommitStage(MStage& stage);
+    /// Hands the stage's values and `part` over, and what is this class's. [main]
+    void PublishStage(MStage& stage, std::shared_ptr<MStateHandOver::Part> part);
     /// Writes or reads the staged value of `record`. [main]
-    void StoreRecord(const ParameterDefinition& record, MXMLNode node, const MArchive& archive);
+    void StoreRecord(const ParameterDefinition& record, MXMLNode node,
+                     const MStagingArchive& archive);
     /// Lets effect `index` write its staged values into `node`, by a spare object of its kind: its
     /// own records may just be changing. Throws what the effect throws. [main]
-    void SaveEffect(int index, MXMLNode node);
+    void SaveEffect(int index, MXMLNode node, MStage& stage);
     /// Lets effect `index` read `node` into the stage, by a spare object of its kind, so that its
     /// own way with old states applies and nothing live is touched. False when the node has none of
     /// its values. Throws what the effect throws; the staged values are as before then. [main]
-    bool LoadEffect(int index, MXMLNode node);
-    /// Says that StoreSettings has got to its end: else nothing is put into force. [main]
-    void CompleteStage() noexcept { isStageComplete_ = true; }
-    /// Waits until the values of `ticket` are there and tells everybody else; without any lock.
-    /// [main]
-    void ActualiseAfterLoading(MStateHandOver::Ticket ticket);
+    bool LoadEffect(int index, MXMLNode node, MStage& stage);
 
-    /// Adopts what was published, under the lock of the hand-over. [audio]
-    virtual void AdoptChanges() noexcept;
+    /// Adopts what was published. [audio]
+    virtual void AdoptChanges(const MStateHandOver::Publication& published) noexcept;
     /// The standard settings of this block. [audio]
     const MStandardSettings& ActiveSettings() const noexcept { return activeStandard_; }
     /// Takes all values as where the last ramps ended. [audio]
@@ -197,15 +216,16 @@ private:
     bool HappensInPieces(int sampleCount) const noexcept;
     void BeginBypass(int sampleCount);
     void Silence(float* const* outputs, int sampleCount) const noexcept;
-    MStateHandOver::Ticket Commit();
-    void StoreStandardSettings(MXMLNode node, const MArchive& archive);
-    MEffectHandle& SpareLike(std::span<const double> values);
-    void StoreLFO(MXMLNode node, const MArchive& archive);
-    void StoreControllers(MXMLNode node, const MArchive& archive);
+    void Load(MStage& stage);
+    bool TryCommit(MStage& stage);
+    MEffectHandle& SpareLike(std::span<const double> values, MStage& stage);
+    void StoreStandardSettings(MXMLNode node, const MStagingArchive& archive);
+    void StoreLFO(MXMLNode node, const MStagingArchive& archive);
+    void StoreControllers(MXMLNode node, const MStagingArchive& archive);
     void StoreActivePresets(MXMLNode node, const MArchive& archive);
-    void StoreMultiParameters(MXMLNode node, const MArchive& archive);
+    void StoreMultiParameters(MXMLNode node, const MStagingArchive& archive);
     void StoreValue(const ParameterDefinition& record, std::string_view key, MXMLNode node,
-                    const MArchive& archive);
+                    const MStagingArchive& archive);
 
     MMemorySettings ownSettings_;
     MSettings& settings_;
@@ -223,16 +243,9 @@ private:
     MPresetStepper* const presets_;
     MActivePresets activePresets_;
 
-    MMutex changeLock_;           // over the next eight
-    MStandardSettings standard_;  // written under the lock of the hand-over, too
-    MStandardSettings stagedStandard_;
-    MModulationSettings stagedModulation_;
-    MMIDISettings stagedMIDI_;
-    MStateRecords::Values stagedValues_;
-    MModulation::Replacement* newModulation_ = nullptr;  // while the stage is published
-    bool isStageComplete_ = false;
-    std::unique_ptr<MEffectHandle> spare_;  // while a state is read or written
-    MStateRecords stateRecords_;            // constant once initialised
+    MMutex changeLock_;           // over the next one and whatever changes values as a whole
+    MStandardSettings standard_;  // as it was last published
+    MStateRecords stateRecords_;  // constant once initialised
     MStateHandOver handOver_{stateRecords_};
     MStandardSettings activeStandard_;  // of the audio thread
 

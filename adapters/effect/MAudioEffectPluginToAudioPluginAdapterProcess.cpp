@@ -68,7 +68,9 @@ void MAudioEffectPluginToAudioPluginAdapter::RunFrame(const float* const* inputs
                                                       float* const* outputs, int sampleCount) {
     const int count = std::max(sampleCount, 0);
     const MStateHandOver::Block block(handOver_, count);
-    handOver_.Take([&] { AdoptChanges(); }, [&] { modulation_.Adopt(); });
+    modulation_.LookForNewer();
+    handOver_.Take([&](const MStateHandOver::Publication& published) { AdoptChanges(published); });
+    modulation_.Adopt(handOver_.Taken().modulation);
     midi_.BeginBlock(count);
     channels_.Take(activeLayout_, inputs, outputs, count);
     const float* const* const in = channels_.Inputs();
@@ -190,8 +192,9 @@ void MAudioEffectPluginToAudioPluginAdapter::ProcessUpdate() {
     });
 }
 
-void MAudioEffectPluginToAudioPluginAdapter::AdoptChanges() noexcept {
-    activeStandard_ = standard_;
+void MAudioEffectPluginToAudioPluginAdapter::AdoptChanges(
+    const MStateHandOver::Publication& published) noexcept {
+    activeStandard_ = published.standard;
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::SettleRamps() noexcept {

@@ -5,17 +5,11 @@
 #include "plugin/presets/MPluginPresetContent.h"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
+#include <utility>
 
 namespace {
-
-using std::chrono::milliseconds;
-
-// Two blocks, but no less than a busy machine may be late by.
-milliseconds PatienceFor(int blockSize, int sampleRate) {
-    const auto blocks = 2000LL * blockSize / std::max(sampleRate, 1);
-    return std::clamp(milliseconds(blocks), milliseconds(10), milliseconds(100));
-}
 
 /// Whether `node` has a value for any of `records`.
 bool HasAny(std::span<const ParameterDefinition> records, MXMLNode node) {
@@ -29,36 +23,49 @@ bool HasAny(std::span<const ParameterDefinition> records, MXMLNode node) {
 void MAudioEffectPluginToAudioPluginAdapter::Store(MXMLNode node, MArchive& archive) {
     Guard("MAudioEffectPluginToAudioPluginAdapter::Store", [&] {
         TakeUserDefaults();
-        std::optional<MStateHandOver::Ticket> ticket;
-        {
-            const MLock lock(changeLock_);
-            isStageComplete_ = false;
-            FillStage(archive.StartsFromDefaults() ? MArchive::Base::Defaults
-                                                   : MArchive::Base::Current);
-            StoreStandardSettings(node, archive);
-            StoreLFO(node, archive);
-            StoreMultiParameters(node, archive);
-            StoreControllers(node, archive);
-            StoreSettings(node, archive);
-            spare_.reset();
-            if (!archive.IsWriting() && isStageComplete_) ticket = Commit();
+        const std::unique_ptr<MStage> stage = MakeStage();
+        FillStage(*stage, archive.StartsFromDefaults() ? MArchive::Base::Defaults
+                                                       : MArchive::Base::Current);
+        MStagingArchive staging(archive, *stage);
+        StoreStandardSettings(node, staging);
+        StoreLFO(node, staging);
+        StoreMultiParameters(node, staging);
+        StoreControllers(node, staging);
+        StoreSettings(node, staging);
+        if (!archive.IsWriting()) {
+            if (!stage->isComplete) return;
+            Load(*stage);
         }
-        if (ticket) ActualiseAfterLoading(*ticket);
-        if (ticket || archive.IsWriting()) StoreActivePresets(node, archive);
+        StoreActivePresets(node, archive);
     });
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::SetDefaults() {
     Guard("MAudioEffectPluginToAudioPluginAdapter::SetDefaults", [&] {
         TakeUserDefaults();
-        MStateHandOver::Ticket ticket = 0;
-        {
-            const MLock lock(changeLock_);
-            FillStage(MArchive::Base::Defaults);
-            ticket = Commit();
-        }
-        ActualiseAfterLoading(ticket);
+        const std::unique_ptr<MStage> stage = MakeStage();
+        FillStage(*stage, MArchive::Base::Defaults);
+        Load(*stage);
     });
+}
+
+// A state replaces everything, so it does not matter what others have changed since it was read.
+void MAudioEffectPluginToAudioPluginAdapter::Load(MStage& stage) {
+    do {
+        PrepareStage(stage);
+    } while (!TryCommit(stage));
+    WhenSettled([] {});
+    for (const auto& effect : effects_) effect->RequestRefresh();
+    ReportLatencyChange();
+    ReportParameterChanges();
+}
+
+bool MAudioEffectPluginToAudioPluginAdapter::TryCommit(MStage& stage) {
+    const MLock lock(changeLock_);
+    if (!CommitStage(stage)) return false;
+    if (stage.midi) midi_.SetSettings(*stage.midi);
+    handOver_.Settle();
+    return true;
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::AddStateRecords(MStateRecords& records) {
@@ -67,13 +74,26 @@ void MAudioEffectPluginToAudioPluginAdapter::AddStateRecords(MStateRecords& reco
     records.Add(bypass_);
 }
 
-void MAudioEffectPluginToAudioPluginAdapter::FillStage(MArchive::Base base) {
-    const bool isCurrent = base == MArchive::Base::Current;
-    stagedStandard_ = isCurrent ? standard_ : MStandardSettings();
-    if (!isCurrent) stagedStandard_.version = Identity().versionNumber;
-    stagedModulation_ = isCurrent ? modulation_.Settings() : MModulationSettings();
-    stagedMIDI_ = isCurrent ? midi_.Settings() : MMIDISettings();
-    stagedValues_ = isCurrent ? handOver_.Current() : stateRecords_.Defaults();
+std::unique_ptr<MStage> MAudioEffectPluginToAudioPluginAdapter::MakeStage() const {
+    return std::make_unique<MStage>();
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::FillStage(MStage& stage, MArchive::Base base) {
+    if (base == MArchive::Base::Defaults) {
+        stage.standard.version = Identity().versionNumber;
+        stage.midi.emplace();
+        stage.values = stateRecords_.Defaults();
+        return;
+    }
+    const MLock lock(changeLock_);
+    ReadIntoStage(stage);
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::ReadIntoStage(MStage& stage) {
+    stage.standard = standard_;
+    stage.modulation = modulation_.Settings();
+    stage.midi = midi_.Settings();
+    stage.values = handOver_.Current();
 }
 
 // Not staged like the rest: it says nothing about the sound, and takes the states of the other
@@ -84,104 +104,108 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreActivePresets(MXMLNode node,
           [&] { activePresets_.Store(node, archive); });
 }
 
-MStateHandOver::Ticket MAudioEffectPluginToAudioPluginAdapter::Commit() {
-    MStateHandOver::Ticket ticket = 0;
-    {
-        MModulation::Replacement replacement(modulation_, stagedModulation_);
-        newModulation_ = &replacement;
-        ticket = CommitStage();
-    }
-    midi_.SetSettings(stagedMIDI_);
-    return ticket;
+bool MAudioEffectPluginToAudioPluginAdapter::CommitStage(MStage& stage) {
+    PublishStage(stage, nullptr);
+    return true;
 }
 
-MStateHandOver::Ticket MAudioEffectPluginToAudioPluginAdapter::CommitStage() {
-    return handOver_.Publish(&stagedValues_, [&] { PublishStage(); });
-}
-
-void MAudioEffectPluginToAudioPluginAdapter::PublishStage() noexcept {
-    standard_ = stagedStandard_;
-    newModulation_->Publish();
+void MAudioEffectPluginToAudioPluginAdapter::PublishStage(
+    MStage& stage, std::shared_ptr<MStateHandOver::Part> part) {
+    standard_ = stage.standard;
+    const MModulation::Replacement replacement(modulation_, stage.modulation);
+    stage.retired =
+        handOver_.Publish(std::move(stage.values), [&](MStateHandOver::Publication& published) {
+            published.standard = standard_;
+            published.modulation = replacement.Plan();
+            published.part = std::move(part);
+        });
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::StoreStandardSettings(MXMLNode node,
-                                                                   const MArchive& archive) {
+                                                                   const MStagingArchive& archive) {
     Guard("MAudioEffectPluginToAudioPluginAdapter::StoreStandardSettings", [&] {
-        if (archive.IsWriting()) stagedStandard_.version = Identity().versionNumber;
-        stagedStandard_.Store(node, archive, ChannelsPerBus());
+        MStandardSettings& standard = archive.Stage().standard;
+        if (archive.IsWriting()) standard.version = Identity().versionNumber;
+        standard.Store(node, archive, ChannelsPerBus());
         StoreRecord(bypass_, node, archive);
     });
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::StoreMultiParameters(MXMLNode node,
-                                                                  const MArchive& archive) {
+                                                                  const MStagingArchive& archive) {
     Guard("MAudioEffectPluginToAudioPluginAdapter::StoreMultiParameters", [&] {
         const MXMLNode list = archive.Child(node, "MultiParameters");
         int index = 0;
         for (const MXMLNode element :
              archive.Children(list, "MultiParameter", MModulation::kMultiParameters)) {
             StoreValue(modulation_.MultiParameterRecords()[index], "Value", element, archive);
-            stagedModulation_.multiParameters[index++].Store(element, archive);
+            archive.Stage().modulation.multiParameters[index++].Store(element, archive);
         }
     });
 }
 
-void MAudioEffectPluginToAudioPluginAdapter::StoreLFO(MXMLNode node, const MArchive& archive) {
-    Guard("MAudioEffectPluginToAudioPluginAdapter::StoreLFO",
-          [&] { stagedModulation_.StoreModulators(archive.Child(node, "LFOs"), archive); });
+void MAudioEffectPluginToAudioPluginAdapter::StoreLFO(MXMLNode node,
+                                                      const MStagingArchive& archive) {
+    Guard("MAudioEffectPluginToAudioPluginAdapter::StoreLFO", [&] {
+        archive.Stage().modulation.StoreModulators(archive.Child(node, "LFOs"), archive);
+    });
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::StoreControllers(MXMLNode node,
-                                                              const MArchive& archive) {
+                                                              const MStagingArchive& archive) {
     Guard("MAudioEffectPluginToAudioPluginAdapter::StoreControllers", [&] {
         const bool isKept = !archive.IsWriting() && node.Attribute(MPluginPresetContent::kKeepMIDI);
+        std::optional<MMIDISettings>& settings = archive.Stage().midi;
         if (isKept) {
-            stagedMIDI_ = midi_.Settings();
-        } else {
-            stagedMIDI_.Store(node, archive);
+            settings.reset();
+        } else if (settings) {
+            settings->Store(node, archive);
         }
     });
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::StoreSettings(MXMLNode node, MArchive& archive) {
     Guard("MAudioEffectPluginToAudioPluginAdapter::StoreSettings", [&] {
+        MStage& stage = dynamic_cast<MStagingArchive&>(archive).Stage();
         if (archive.IsWriting()) {
-            SaveEffect(0, node);
+            SaveEffect(0, node, stage);
         } else {
-            LoadEffect(0, node);
+            LoadEffect(0, node, stage);
         }
-        CompleteStage();
+        stage.isComplete = true;
     });
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::StoreRecord(const ParameterDefinition& record,
-                                                         MXMLNode node, const MArchive& archive) {
+                                                         MXMLNode node,
+                                                         const MStagingArchive& archive) {
     StoreValue(record, record.key, node, archive);
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::StoreValue(const ParameterDefinition& record,
                                                         std::string_view key, MXMLNode node,
-                                                        const MArchive& archive) {
-    double& value = stateRecords_.Of(record, stagedValues_);
+                                                        const MStagingArchive& archive) {
+    double& value = stateRecords_.Of(record, archive.Stage().values);
     archive.Number(node, key, value);
     if (!archive.IsWriting()) value = record.Nearest(value);
 }
 
-MEffectHandle& MAudioEffectPluginToAudioPluginAdapter::SpareLike(std::span<const double> values) {
-    if (spare_ == nullptr) spare_ = std::make_unique<MEffectHandle>(entry_);
-    const std::span<ParameterDefinition> records = spare_->Table();
+MEffectHandle& MAudioEffectPluginToAudioPluginAdapter::SpareLike(std::span<const double> values,
+                                                                 MStage& stage) {
+    if (stage.spare == nullptr) stage.spare = std::make_unique<MEffectHandle>(entry_);
+    const std::span<ParameterDefinition> records = stage.spare->Table();
     if (records.size() != values.size()) throw MException("Error creating plugin.");
     for (std::size_t i = 0; i < values.size(); ++i) records[i].SetValue(values[i]);
-    return *spare_;
+    return *stage.spare;
 }
 
-void MAudioEffectPluginToAudioPluginAdapter::SaveEffect(int index, MXMLNode node) {
-    SpareLike(stateRecords_.Of(Effect(index), stagedValues_)).Save(node);
+void MAudioEffectPluginToAudioPluginAdapter::SaveEffect(int index, MXMLNode node, MStage& stage) {
+    SpareLike(stateRecords_.Of(Effect(index), stage.values), stage).Save(node);
 }
 
-bool MAudioEffectPluginToAudioPluginAdapter::LoadEffect(int index, MXMLNode node) {
-    const std::span<double> staged = stateRecords_.Of(Effect(index), stagedValues_);
-    MEffectHandle& spare = SpareLike(staged);
+bool MAudioEffectPluginToAudioPluginAdapter::LoadEffect(int index, MXMLNode node, MStage& stage) {
+    const std::span<double> staged = stateRecords_.Of(Effect(index), stage.values);
+    MEffectHandle& spare = SpareLike(staged, stage);
     const std::span<ParameterDefinition> records = spare.Table();
     spare.Load(node);
     bool hasAny = HasAny(records, node);
@@ -193,16 +217,6 @@ bool MAudioEffectPluginToAudioPluginAdapter::LoadEffect(int index, MXMLNode node
     return hasAny;
 }
 
-void MAudioEffectPluginToAudioPluginAdapter::ActualiseAfterLoading(MStateHandOver::Ticket ticket) {
-    if (!handOver_.WaitUntilTaken(ticket, PatienceFor(MaximumBlockSize(), SampleRate()))) {
-        const MLock lock(changeLock_);
-        handOver_.TakeHere();
-    }
-    for (const auto& effect : effects_) effect->RequestRefresh();
-    ReportLatencyChange();
-    ReportParameterChanges();
-}
-
 MStandardSettings MAudioEffectPluginToAudioPluginAdapter::StandardSettings() {
     const MLock lock(changeLock_);
     return standard_;
@@ -211,5 +225,7 @@ MStandardSettings MAudioEffectPluginToAudioPluginAdapter::StandardSettings() {
 void MAudioEffectPluginToAudioPluginAdapter::SetStandardSettings(
     const MStandardSettings& settings) {
     const MLock lock(changeLock_);
-    handOver_.Publish(nullptr, [&] { standard_ = settings; });
+    standard_ = settings;
+    const auto retired = handOver_.Publish(
+        [&](MStateHandOver::Publication& published) { published.standard = settings; });
 }

@@ -29,16 +29,17 @@ MHostedEffect::MHostedEffect(MEffectEntry entry, std::string name)
 void MHostedEffect::Prepare(int channels, int sampleRate) {
     marks_.store(0, std::memory_order_relaxed);  // preparing follows every record
     restart_.store(false, std::memory_order_relaxed);
+    channels_.store(0, std::memory_order_relaxed);
     if (handle_.Prepare(channels, sampleRate) != 0) {
-        channels_ = 0;
         throw MException("The effect could not be prepared.");
     }
-    channels_ = channels;
-    sampleRate_ = sampleRate;
+    hasRun_ = false;
+    sampleRate_.store(sampleRate, std::memory_order_relaxed);
+    channels_.store(channels, std::memory_order_release);
 }
 
 void MHostedEffect::SetDefaults() noexcept {
-    for (ParameterDefinition& record : records_) record.SetValue(record.defaultValue);
+    for (ParameterDefinition& record : records_) record.Overrule(record.defaultValue);
     Mark(-1);
 }
 
@@ -70,10 +71,10 @@ void MHostedEffect::Update() {
 
 void MHostedEffect::Process(const MTransport* transport, const float* const* inputs,
                             float* const* outputs, int count) {
-    if (restart_.load(std::memory_order_relaxed) &&
-        restart_.exchange(false, std::memory_order_acquire)) {
-        handle_.Prepare(channels_, sampleRate_);
-    }
+    const bool restarts = restart_.load(std::memory_order_relaxed) &&
+                          restart_.exchange(false, std::memory_order_acquire);
+    if (restarts && hasRun_) handle_.Prepare(channels_, sampleRate_);
+    hasRun_ = true;
     handle_.Process(transport, inputs, outputs, count);
 }
 

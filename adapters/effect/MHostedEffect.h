@@ -25,9 +25,10 @@ public:
     /// Makes ready for 1..8 `channels` at `sampleRate` hertz, from silence, with the parameters as
     /// they are. Throws MException when the effect refuses. [setup]
     void Prepare(int channels, int sampleRate);
-    /// Whether Prepare was last called with these. [main]
+    /// Whether Prepare was last called with these, and has come to its end. [any]
     bool IsPreparedFor(int channels, int sampleRate) const noexcept {
-        return channels_ == channels && sampleRate_ == sampleRate;
+        return channels_.load(std::memory_order_acquire) == channels &&
+               sampleRate_.load(std::memory_order_relaxed) == sampleRate;
     }
     /// Puts every record to its default. [main]
     void SetDefaults() noexcept;
@@ -61,6 +62,7 @@ private:
     std::atomic<std::uint64_t> marks_{0};  // the last bit stands for all records
     std::atomic<bool> restart_{false};
     std::atomic<bool> listChanged_{false};
-    int channels_ = 0;
-    int sampleRate_ = 0;
+    std::atomic<int> channels_{0};  // 0 while it is being prepared
+    std::atomic<int> sampleRate_{0};
+    bool hasRun_ = false;  // since it was prepared
 };

@@ -14,7 +14,7 @@ void MStateRecords::Add(MHostedEffect& effect) {
 
 MStateRecords::Values MStateRecords::Current() const {
     Values values;
-    for (const ParameterDefinition* const record : records_) values.push_back(record->Value());
+    for (const ParameterDefinition* const record : records_) values.push_back(record->Knob());
     return values;
 }
 
@@ -37,16 +37,4 @@ double& MStateRecords::Of(const ParameterDefinition& record, Values& values) con
 std::span<double> MStateRecords::Of(const MHostedEffect& effect, Values& values) const {
     if (effect.Records().empty()) return {};
     return std::span(values).subspan(Find(effect.Records().front()), effect.Records().size());
-}
-
-// Every effect is marked, whether or not its values differ: another thread may be writing the same
-// ones at this moment, without having come to its marks.
-void MStateRecords::Apply(const Values& values) const noexcept {
-    for (std::size_t i = 0; i < records_.size(); ++i) {
-        ParameterDefinition& record = *records_[i];
-        record.SetValue(values[i]);
-        // A host's write that nobody has taken for the knob's yet would undo what is loaded.
-        if (record.IsRedirected()) record.SetSecondary(values[i]);
-    }
-    for (MHostedEffect* const effect : effects_) effect->Mark(-1);
 }

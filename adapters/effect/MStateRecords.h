@@ -17,7 +17,7 @@ public:
     void Add(ParameterDefinition& record);
     void Add(MHostedEffect& effect);
 
-    /// The records' own values, or their defaults. [main]
+    /// The records' own values, as their knobs stand, or their defaults. [main]
     Values Current() const;
     Values Defaults() const;
 
@@ -27,8 +27,18 @@ public:
     /// The places of an effect's values, in the order of its records. Throws the same. [main]
     std::span<double> Of(const MHostedEffect& effect, Values& values) const;
 
-    /// Writes all values into the records and lets the effects follow. Takes no lock. [any]
-    void Apply(const Values& values) const noexcept;
+    /// Writes all values into the records and lets the effects follow; stops when `isDone` says
+    /// that another thread has done so. Takes no lock. [any]
+    template <class Done>
+    void Apply(const Values& values, Done&& isDone) const noexcept {
+        for (std::size_t i = 0; i < records_.size(); ++i) {
+            if (isDone()) return;
+            records_[i]->Overrule(values[i]);
+        }
+        // All of them, whether or not their values differ: another thread may be writing the same
+        // ones at this moment, without having come to its marks.
+        for (MHostedEffect* const effect : effects_) effect->Mark(-1);
+    }
 
 private:
     std::size_t Find(const ParameterDefinition& record) const;

@@ -30,18 +30,29 @@ void MModulation::Change(const std::function<void(MModulationSettings&)>& change
         const MLock lock(lock_);
         MModulationSettings settings = settings_;
         change(settings);
-        Prepare(settings);
+        plans_.Back() = Prepare(settings);
         plans_.Publish();
         unknown = TakeUnknown();
     }
     for (const std::string& text : unknown) MFailureReporter::Report(text);
 }
 
-void MModulation::Prepare(const MModulationSettings& settings) {
+MModulation::StampedPlan MModulation::Prepare(const MModulationSettings& settings) {
     if (!compiler_) throw MException("There is nothing to modulate yet.");
     MModulationSettings held = settings.Held();
-    plans_.Back() = compiler_->Compile(held);
+    StampedPlan plan{compiler_->Compile(held), stamp_ + 1};
     settings_ = std::move(held);
+    ++stamp_;
+    return plan;
+}
+
+// The audio thread never goes back to an older plan than the one that it says it has.
+MModulation::Loaded MModulation::Load(const MModulationSettings& settings) {
+    auto plan = std::make_unique<StampedPlan>(Prepare(settings));
+    const std::uint64_t inForce = stampInForce_.load(std::memory_order_acquire);
+    std::erase_if(loaded_, [&](const auto& older) { return older->stamp < inForce; });
+    loaded_.push_back(std::move(plan));
+    return {&loaded_.back()->plan, loaded_.back()->stamp};
 }
 
 std::vector<std::string> MModulation::TakeUnknown() {
@@ -56,12 +67,12 @@ std::vector<std::string> MModulation::TakeUnknown() {
 MModulation::Replacement::Replacement(MModulation& modulation, const MModulationSettings& settings)
     : modulation_(modulation), lock_(modulation.lock_) {
     try {
-        modulation_.Prepare(settings);
+        loaded_ = modulation_.Load(settings);
     } catch (const MException& exception) {
         reports_.push_back(exception.Text());
         MModulationSettings harmless = settings;
         for (MMultiParameterSettings& entry : harmless.multiParameters) entry.targets.clear();
-        modulation_.Prepare(harmless);
+        loaded_ = modulation_.Load(harmless);
     }
     for (const std::string& text : modulation_.TakeUnknown()) reports_.push_back(text);
 }
@@ -100,19 +111,32 @@ MModulationTarget MModulation::MakeTarget(const std::string& id) const {
 
 void MModulation::Prepare(int sampleRate) noexcept {
     keys_ = {};  // their ends will not be told
-    engine_.Prepare(plans_.Front(), sampleRate);
+    engine_.Prepare(*plan_, sampleRate);
 }
 
-void MModulation::Adopt() noexcept {
+void MModulation::LookForNewer() noexcept {
     if (!plans_.HasNewer()) return;
-    engine_.Release(plans_.Front());
+    engine_.Release(*plan_);
+    isReleased_ = true;
     plans_.Adopt();
-    engine_.Begin(plans_.Front());
+}
+
+void MModulation::Adopt(const Loaded& loaded) noexcept {
+    const StampedPlan& set = plans_.Front();
+    const bool isLoaded = loaded.stamp > set.stamp;
+    const std::uint64_t newest = isLoaded ? loaded.stamp : set.stamp;
+    const bool isNew = newest > stampInForce_.load(std::memory_order_relaxed);
+    if (!isNew && !isReleased_) return;
+    if (!isReleased_) engine_.Release(*plan_);
+    isReleased_ = false;
+    plan_ = isLoaded ? loaded.plan : &set.plan;
+    engine_.Begin(*plan_);
+    stampInForce_.store(newest, std::memory_order_release);
 }
 
 void MModulation::NoteOn(int channel, int note, double velocity) noexcept {
     keys_.Press(channel, note);
-    engine_.NoteOn(plans_.Front(), velocity);
+    engine_.NoteOn(*plan_, velocity);
 }
 
 // The envelope holds until the last key is up.

@@ -7,7 +7,10 @@
 #include "core/MMutex.h"
 #include "dsp/MTripleBuffer.h"
 
+#include <atomic>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,6 +45,12 @@ public:
     /// MException when there is none. [main]
     MModulationTarget MakeTarget(const std::string& id) const;
 
+    /// A plan that comes to the audio thread together with something else.
+    struct Loaded {
+        const MModulationPlan* plan = nullptr;  ///< borrowed; not to be used by anybody else
+        std::uint64_t stamp = 0;                ///< larger than of all that was set before
+    };
+
     /// Other settings, ready to be put into force at one moment together with something else. Keeps
     /// everybody else from changing them as long as it lives.
     class Replacement {
@@ -53,11 +62,12 @@ public:
         Replacement(const Replacement&) = delete;
         Replacement& operator=(const Replacement&) = delete;
 
-        /// Puts them into force; call it once. Waits for nothing. [main]
-        void Publish() noexcept { modulation_.plans_.Publish(); }
+        /// What is to come to the audio thread as long as this lives. [main]
+        const Loaded& Plan() const noexcept { return loaded_; }
 
     private:
         MModulation& modulation_;
+        Loaded loaded_;
         std::optional<MLock> lock_;
         std::vector<std::string> reports_;  // made once the lock is released
     };
@@ -69,14 +79,17 @@ public:
 
     /// Lets everything begin anew at `sampleRate` hertz. [setup]
     void Prepare(int sampleRate) noexcept;
-    /// Takes over what was set. [audio]
-    void Adopt() noexcept;
+    /// Looks for what was set, before the look for what was loaded: so that what builds on a loaded
+    /// state never comes before it. [audio]
+    void LookForNewer() noexcept;
+    /// Takes over the newest of what was set and of what was loaded last. [audio]
+    void Adopt(const Loaded& loaded) noexcept;
     /// Whether modulators act on anything. [audio]
-    bool IsActive() const noexcept { return plans_.Front().IsActive(); }
+    bool IsActive() const noexcept { return plan_->IsActive(); }
     /// Lets MultiParameters that were written act; for blocks in which no modulator does. [audio]
-    void FollowMultiParameters() noexcept { engine_.FollowMultiParameters(plans_.Front()); }
+    void FollowMultiParameters() noexcept { engine_.FollowMultiParameters(*plan_); }
     /// See MModulationEngine; only in blocks in which modulators act. [audio]
-    void Advance(const MModulationPiece& piece) noexcept { engine_.Advance(plans_.Front(), piece); }
+    void Advance(const MModulationPiece& piece) noexcept { engine_.Advance(*plan_, piece); }
     /// A key goes down or up; channels are 1..16, notes 0..127. [audio]
     void NoteOn(int channel, int note, double velocity) noexcept;
     void NoteOff(int channel, int note) noexcept;
@@ -86,17 +99,28 @@ public:
     bool TakeKnobsMoved() noexcept { return engine_.TakeKnobsMoved(); }
 
 private:
-    void Prepare(const MModulationSettings& settings);
+    struct StampedPlan {
+        MModulationPlan plan;
+        std::uint64_t stamp = 0;  // in the order of the changes
+    };
+
+    StampedPlan Prepare(const MModulationSettings& settings);
+    Loaded Load(const MModulationSettings& settings);
     std::vector<std::string> TakeUnknown();
 
     MMultiParameters multiParameters_;
     std::optional<MModulationCompiler> compiler_;
 
-    MMutex lock_;  // over the next two and the writing side of the plans
+    MMutex lock_;  // over the next four and the writing side of the plans
     MModulationSettings settings_;
     std::set<std::string> reported_;
+    std::uint64_t stamp_ = 0;                           // of the newest plan
+    std::vector<std::unique_ptr<StampedPlan>> loaded_;  // those that may be in use, oldest first
 
-    MTripleBuffer<MModulationPlan> plans_;
+    MTripleBuffer<StampedPlan> plans_;  // those that were set
+    std::atomic<std::uint64_t> stampInForce_{0};
+    const MModulationPlan* plan_ = &plans_.Front().plan;  // of the audio thread: the one in force
+    bool isReleased_ = false;                             // of the audio thread
     MModulationEngine engine_{multiParameters_};
     MHeldNotes keys_;  // of the audio thread
 };

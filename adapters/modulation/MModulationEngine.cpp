@@ -142,6 +142,7 @@ void MModulationEngine::Drive(const MModulationPlan& plan, int firstSlot, int en
         state.written = plain;
         if (slot.parameter != nullptr) {
             slot.parameter->SetNormalised(0, position, false);
+            slot.record->ForgetKnob();
         } else {
             MRelaxed::Store(slot.record->secondary, plain);
             Mark(slot);

@@ -74,6 +74,7 @@ bool MAudioEffectPluginToAudioPluginMultiBandAdapter::InitProcessing_LockedPart(
 // prepared for other channels or another rate is left in its hands.
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareEffects() {
     processor_.Prepare(ActiveLayout().outputs);
+    const MLock preparing(preparingLock_);
     const MLock lock(ChangeLock());
     preparedChannels_ = ActiveLayout().outputs;
     preparedRate_ = ActiveRate();
@@ -81,7 +82,8 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareEffects() {
         Effect(band).Prepare(preparedChannels_, preparedRate_);
     }
     ApplyGlobalChange(true);
-    HandOver().TakeStanding([&] { AdoptChanges(); });
+    HandOver().TakeStanding(
+        [&](const MStateHandOver::Publication& published) { AdoptChanges(published); });
     FillBlock();
     block_.Arrive();
 }
@@ -96,57 +98,78 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::UpdateMaxBufferSize() {
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::OnGlobalChange(bool bandsChanged) {
     Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::OnGlobalChange", [&] {
         {
-            const MLock lock(ChangeLock());
-            ApplyGlobalChange(bandsChanged);
+            const MLock preparing(preparingLock_);
+            WhenSettled([&] { ApplyGlobalChange(bandsChanged); });
         }
         ReportLatencyChange();
         ReportParameterChanges();
     });
 }
 
-// Under the change lock, as all the rest.
+// Under the preparing and the change lock. Effects first, then the design, then what refers to
+// both: whatever a block sees of these is ready to run.
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::ApplyGlobalChange(bool bandsChanged) {
     if (bandsChanged) {
         const MLock lock(settingsLock_);
         layout_.DeriveSolo();
     }
-    PutIntoForce(parameters_.ReadLimits(), nullptr);
+    PrepareBands(layout_.bandCount);
+    auto part = MakePart(Design(layout_, options_, parameters_.ReadLimits(), RateOfDesigns()));
+    const auto retired = HandOver().Publish(
+        [&](MStateHandOver::Publication& published) { published.part = std::move(part); });
     for (int effect = 0; effect < EffectCount(); ++effect) Effect(effect).RequestRefresh();
 }
 
-// Effects first, then the design, then what refers to both: whatever a block sees of these is ready
-// to run.
-MStateHandOver::Ticket MAudioEffectPluginToAudioPluginMultiBandAdapter::PutIntoForce(
-    const MBandParameters::Limits& limits, MStateRecords::Values* staged) {
-    for (int band = 0; band < layout_.bandCount && preparedChannels_ > 0; ++band) PrepareBand(band);
-    const MCrossoverChoice choice{
-        .bandCount = layout_.bandCount,
-        .isLinearPhase = options_.isLinearPhase,
-        .hasFixedQ = options_.hasFixedQ,
-        .slope = options_.slope,
-        .sampleRate = preparedRate_ > 0 ? preparedRate_ : SampleRate(),
-    };
-    const InForce changed{layout_.bandCount, LatencyOfLayout(), layout_.mute, layout_.bypass,
-                          options_};
-    MStateHandOver::Ticket ticket = 0;
-    const auto publish = [&] {
-        designer_.Publish();
-        published_ = changed;
-        if (staged != nullptr) PublishStage();
-    };
-    designer_.Design(choice, limits, [&] { ticket = HandOver().Publish(staged, publish); });
-    publishedBands_ = changed.bandCount;
-    return ticket;
+// Under the preparing lock. No block runs with a band that is prepared here, as it runs with none
+// that is not prepared.
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareBands(int bandCount) {
+    if (preparedChannels_ == 0) return;
+    for (int band = 0; band < bandCount; ++band) {
+        MHostedEffect& effect = Effect(band);
+        if (effect.IsPreparedFor(preparedChannels_, preparedRate_)) continue;
+        effect.Prepare(preparedChannels_, preparedRate_);
+    }
 }
 
-// A band that has not run for a while must not come back with what it last heard.
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareBand(int band) {
-    MHostedEffect& effect = Effect(band);
-    if (!effect.IsPreparedFor(preparedChannels_, preparedRate_)) {
-        effect.Prepare(preparedChannels_, preparedRate_);
-    } else if (band >= publishedBands_) {
-        effect.RequestRestart();
+bool MAudioEffectPluginToAudioPluginMultiBandAdapter::AreBandsPrepared(int bandCount) const {
+    for (int band = 0; band < bandCount && preparedChannels_ > 0; ++band) {
+        if (!Effect(band).IsPreparedFor(preparedChannels_, preparedRate_)) return false;
     }
+    return true;
+}
+
+// Under the preparing or the change lock.
+int MAudioEffectPluginToAudioPluginMultiBandAdapter::RateOfDesigns() const noexcept {
+    return preparedRate_ > 0 ? preparedRate_ : SampleRate();
+}
+
+std::unique_ptr<MBandDesign> MAudioEffectPluginToAudioPluginMultiBandAdapter::Design(
+    const MBandLayout& layout, const MBandOptions& options, const MBandParameters::Limits& limits,
+    int sampleRate) {
+    // The audio thread is to find the memory that following an automated limit takes.
+    if (options.isLinearPhase) processor_.LinearPhase().Reserve();
+    const MCrossoverChoice choice{
+        .bandCount = layout.bandCount,
+        .isLinearPhase = options.isLinearPhase,
+        .hasFixedQ = options.hasFixedQ,
+        .slope = options.slope,
+        .sampleRate = sampleRate,
+    };
+    return std::make_unique<MBandDesign>(choice, limits);
+}
+
+// Under the change lock. A band that has not run for a while must not come back with what it last
+// heard.
+auto MAudioEffectPluginToAudioPluginMultiBandAdapter::MakePart(std::unique_ptr<MBandDesign> design)
+    -> std::shared_ptr<Part> {
+    const InForce changed{layout_.bandCount, LatencyOfLayout(), layout_.mute, layout_.bypass,
+                          options_};
+    auto part = std::make_shared<Part>(changed, std::move(design));
+    for (int band = publishedBands_; band < layout_.bandCount && band < EffectCount(); ++band) {
+        Effect(band).RequestRestart();
+    }
+    publishedBands_ = changed.bandCount;
+    return part;
 }
 
 // Also tells the base what the host will ask for.
@@ -170,12 +193,14 @@ template <class Change>
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::ChangeLayout(Change&& change) {
     TakeUserDefaults();
     {
-        const MLock changing(ChangeLock());
-        {
-            const MLock lock(settingsLock_);
-            change();
-        }
-        ApplyGlobalChange(true);
+        const MLock preparing(preparingLock_);
+        WhenSettled([&] {
+            {
+                const MLock lock(settingsLock_);
+                change();
+            }
+            ApplyGlobalChange(true);
+        });
     }
     ReportLatencyChange();
     ReportParameterChanges();
@@ -185,23 +210,31 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::ChangeLayout(Change&& chan
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::TakeUserDefaults() {
     if (hasUserDefaults_.load(std::memory_order_acquire)) return;
     const int count = DefaultBandCount();  // may read a file, which is nothing to do under a lock
+    bool isOther = false;
     {
-        const MLock changing(ChangeLock());
-        if (hasUserDefaults_.load(std::memory_order_relaxed)) return;
-        const bool isOther = count != layout_.bandCount;
-        if (isOther) {
-            {
-                const MLock lock(settingsLock_);
-                layout_.SetDefaults(count);
+        const MLock preparing(preparingLock_);
+        WhenSettled([&] {
+            if (hasUserDefaults_.load(std::memory_order_relaxed)) return;
+            isOther = count != layout_.bandCount;
+            if (isOther) {
+                {
+                    const MLock lock(settingsLock_);
+                    layout_.SetDefaults(count);
+                }
+                ResetUntouchedLimits(count);
+                ApplyGlobalChange(true);
             }
-            ResetUntouchedLimits(count);
-            ApplyGlobalChange(true);
-        }
-        hasUserDefaults_.store(true, std::memory_order_release);
-        if (!isOther) return;
+            hasUserDefaults_.store(true, std::memory_order_release);
+        });
     }
+    if (!isOther) return;
     ReportLatencyChange();
     ReportParameterChanges();
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ChangeBandParameters(
+    const std::function<void(MBandParameters&)>& change) {
+    ChangeLayout([&] { change(parameters_); });
 }
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::CreateDefaultBands(int count, bool notify) {
@@ -211,20 +244,21 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::CreateDefaultBands(int cou
         return;
     }
     TakeUserDefaults();
-    const MLock changing(ChangeLock());
-    const MLock lock(settingsLock_);
-    ResetBands(count);
+    WhenSettled([&] {
+        const MLock lock(settingsLock_);
+        ResetBands(count);
+    });
 }
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::ResetBands(int count) {
     layout_.SetDefaults(count);
     const std::span<const double> limits = MBandLayout::DefaultLimits(count);
     for (int index = 0; index < count - 1; ++index) {
-        parameters_.Limit(index).SetValue(std::log10(limits[static_cast<std::size_t>(index)]));
+        parameters_.Limit(index).Overrule(std::log10(limits[static_cast<std::size_t>(index)]));
     }
     for (int band = 0; band < count; ++band) {
-        parameters_.Gain(band).SetValue(0);
-        parameters_.Panorama(band).SetValue(0);
+        parameters_.Gain(band).Overrule(0);
+        parameters_.Panorama(band).Overrule(0);
         if (band >= EffectCount()) continue;
         Effect(band).SetDefaults();
         Effect(band).RequestRestart();
@@ -238,7 +272,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::ResetUntouchedLimits(int c
         ParameterDefinition& limit = parameters_.Limit(index);
         if (std::abs(limit.Value() - firstLimits_[index]) > kRounding) continue;
         const auto place = static_cast<std::size_t>(index);
-        limit.SetValue(place < hertz.size() ? std::log10(hertz[place]) : limit.defaultValue);
+        limit.Overrule(place < hertz.size() ? std::log10(hertz[place]) : limit.defaultValue);
     }
 }
 
@@ -253,16 +287,22 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::LoadBandSettings(const MXM
         layout_.editedBand = std::min(layout_.editedBand, record.bandCount - 1);
         for (int index = 0; index < record.bandCount - 1; ++index) {
             ParameterDefinition& limit = parameters_.Limit(index);
-            limit.SetValue(limit.Nearest(record.limits[index]));
+            limit.Overrule(limit.Nearest(record.limits[index]));
         }
     });
 }
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::SaveBandSettings(MXMLNode node) {
-    const MBandLayout layout = Layout();
-    MBandLayoutRecord record{layout.bandCount, {}, layout.mute, layout.bypass};
+    TakeUserDefaults();
+    MBandLayoutRecord record;
+    MStateRecords::Values values;
+    {
+        const MLock lock(ChangeLock());
+        record = {layout_.bandCount, {}, layout_.mute, layout_.bypass};
+        values = HandOver().Current();
+    }
     for (int i = 0; i < MBandParameters::kLimits; ++i) {
-        record.limits[i] = parameters_.Limit(i).Value();
+        record.limits[i] = StateRecords().Of(parameters_.Limit(i), values);
     }
     record.Save(node);
 }

@@ -9,14 +9,19 @@
 #include "adapters/multiband/MSmartRandom.h"
 
 #include <array>
+#include <functional>
+#include <memory>
+#include <utility>
 
 /// An effect in up to six bands: one instance each, split by a crossover, summed again.
 ///
 /// Whoever changes layout or options holds the change lock, and the settings lock while writing
-/// them, so that others may read them at any time; then prepares effects, designs the crossover and
-/// hands over all that a block needs to know, which the audio thread takes at the start of one. The
-/// audio thread never takes either lock. Order of the locks: processing, change, settings; and
-/// after change the designer's, the hand-over's.
+/// them, so that others may read them at any time; and hands over all that a block needs to know,
+/// which the audio thread takes at the start of one. Effects that are to run are prepared, and the
+/// crossover is designed, before: for a state that is loaded without these locks, for anything else
+/// under the change lock. Effects are prepared under a lock of their own, so that two threads do
+/// not prepare the same one. The audio thread takes none of these locks. Order of the locks:
+/// processing, preparing, change, settings or the hand-over's.
 class MAudioEffectPluginToAudioPluginMultiBandAdapter final
     : public MAudioEffectPluginToAudioPluginAdapter,
       private MBandEffects {
@@ -70,6 +75,9 @@ public:
     void RandomizeBandModulation(MBandRandomiser::Kind kind);
     /// Where the randomisers' numbers go on from; by itself every instance starts elsewhere. [main]
     void SetRandomSeed(std::uint32_t seed);
+    /// Lets `change` write band parameters as a whole: it comes after every state whose load has
+    /// begun, and displays follow. [main]
+    void ChangeBandParameters(const std::function<void(MBandParameters&)>& change);
     /// What GenerateRandomSettingsSmart leaves as it is; nothing at the start. [main]
     void SetRandomLocks(const MSmartRandom::Locks& locks);
     void GenerateRandomSettingsSmart() override;
@@ -86,9 +94,12 @@ protected:
     void TakeUserDefaults() override;
     void AddParameters(MParameterTable& table) override;
     void AddStateRecords(MStateRecords& records) override;
-    void FillStage(MArchive::Base base) override;
-    MStateHandOver::Ticket CommitStage() override;
-    void AdoptChanges() noexcept override;
+    std::unique_ptr<MStage> MakeStage() const override;
+    void FillStage(MStage& stage, MArchive::Base base) override;
+    void ReadIntoStage(MStage& stage) override;
+    void PrepareStage(MStage& stage) override;
+    bool CommitStage(MStage& stage) override;
+    void AdoptChanges(const MStateHandOver::Publication& published) noexcept override;
     void SettleRamps() noexcept override;
     void PrepareEffects() override;
     void ProcessBlock(const float* const* inputs, float* const* outputs, int sampleCount) override;
@@ -107,6 +118,22 @@ private:
         MBandOptions options;
     };
 
+    /// The same with the crossover that goes with it.
+    struct Part final : MStateHandOver::Part {
+        Part(const InForce& own, std::unique_ptr<MBandDesign> made)
+            : inForce(own), design(std::move(made)) {}
+
+        const InForce inForce;
+        const std::unique_ptr<const MBandDesign> design;
+    };
+
+    struct Stage final : MStage {
+        MBandLayout layout;
+        MBandOptions options;
+        std::unique_ptr<MBandDesign> design;
+        bool isLegacy = false;  // from before there were bands
+    };
+
     template <class Change>
     void ChangeLayout(Change&& change);
     int DefaultBandCount();
@@ -114,20 +141,23 @@ private:
     void ResetUntouchedLimits(int count);
     std::vector<MModulationTarget> RandomiserPool(MBandRandomiser::Kind kind);
     void ApplyGlobalChange(bool bandsChanged);
-    MStateHandOver::Ticket PutIntoForce(const MBandParameters::Limits& limits,
-                                        MStateRecords::Values* staged);
-    void PrepareBand(int band);
+    void PrepareBands(int bandCount);
+    bool AreBandsPrepared(int bandCount) const;
+    int RateOfDesigns() const noexcept;
+    std::unique_ptr<MBandDesign> Design(const MBandLayout& layout, const MBandOptions& options,
+                                        const MBandParameters::Limits& limits, int sampleRate);
+    std::shared_ptr<Part> MakePart(std::unique_ptr<MBandDesign> design);
     int LatencyOfLayout();
     void FollowLimits(int sampleCount);
     void FillBlock() noexcept;
 
-    void StoreLayout(MXMLNode node, const MArchive& archive);
-    void StoreBandParameters(MXMLNode node, const MArchive& archive);
-    void SaveBandEffects(MXMLNode node);
-    void LoadBandEffects(MXMLNode node);
-    void LoadLegacyEffect(MXMLNode node);
-    void StageDefaultLimits(int bandCount);
-    MBandParameters::Limits StagedLimits();
+    void StoreLayout(MXMLNode node, const MArchive& archive, Stage& stage);
+    void StoreBandParameters(MXMLNode node, const MStagingArchive& archive, const Stage& stage);
+    void SaveBandEffects(MXMLNode node, Stage& stage);
+    void LoadBandEffects(MXMLNode node, Stage& stage);
+    void LoadLegacyEffect(MXMLNode node, Stage& stage);
+    void StageDefaultLimits(Stage& stage);
+    MBandParameters::Limits StagedLimits(Stage& stage);
     void ProcessBand(int band, const float* const* inputs, float* const* outputs,
                      int count) override;
 
@@ -142,18 +172,16 @@ private:
     MMutex settingsLock_;  // over the next two, which only change under the change lock
     MBandLayout layout_;
     MBandOptions options_;
-    // Under the change lock.
-    MBandLayout stagedLayout_;
-    MBandOptions stagedOptions_;
-    int publishedBands_ = 0;
+    int publishedBands_ = 0;  // under the change lock
+    MMutex preparingLock_;
+    // Written under both of these locks.
     int preparedChannels_ = 0;  // of the next block; 0 before the first InitProcessing
     int preparedRate_ = 0;      // hertz
 
     MBandProcessor processor_;
     MBandDesigner designer_{processor_};
-    InForce published_;  // under the lock of the hand-over
-    InForce inForce_;    // of the audio thread
-    MBandBlock block_;   // of the audio thread
+    InForce inForce_;   // of the audio thread
+    MBandBlock block_;  // of the audio thread
     std::atomic<bool> isLegacyState_{false};
     std::array<MMeter, kMaxBands> meters_;
 };

@@ -9,10 +9,13 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::ProcessUpdate() {
         });
 }
 
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::AdoptChanges() noexcept {
-    MAudioEffectPluginToAudioPluginAdapter::AdoptChanges();
-    inForce_ = published_;
-    processor_.TakeDesigns();
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::AdoptChanges(
+    const MStateHandOver::Publication& published) noexcept {
+    MAudioEffectPluginToAudioPluginAdapter::AdoptChanges(published);
+    const auto* const part = static_cast<const Part*>(published.part.get());
+    if (part == nullptr) return;
+    inForce_ = part->inForce;
+    designer_.Take(*part->design);
 }
 
 // The others may just be prepared on another thread; they start without ramps when they come in.
@@ -24,11 +27,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::SettleRamps() noexcept {
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::FollowLimits(int sampleCount) {
     const MBandParameters::Limits limits = parameters_.ReadLimits();
-    if (!designer_.IsDue(limits, sampleCount)) return;
-    HandOver().TryPublish([&] {
-        designer_.Follow(limits);
-        processor_.TakeDesigns();
-    });
+    if (designer_.IsDue(limits, sampleCount)) designer_.Follow(limits);
 }
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::FillBlock() noexcept {

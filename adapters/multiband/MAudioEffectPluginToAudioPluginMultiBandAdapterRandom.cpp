@@ -42,12 +42,11 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::SetRandomLocks(
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::GenerateRandomSettingsSmart() {
     Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::GenerateRandomSettingsSmart", [&] {
         MSmartRandom::Settings settings;
-        {
-            const MLock changeLock(ChangeLock());
+        WhenSettled([&] {
             random_.Next();
             settings =
                 MSmartRandom::Generate(Parameters(), randomRules_, randomLocks_, random_.State());
-        }
+        });
         MSmartRandom::Apply(settings, *this);
         ReportParameterChanges();
     });
@@ -56,15 +55,14 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::GenerateRandomSettingsSmar
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::GenerateRandomSettings() {
     Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::GenerateRandomSettings", [&] {
         TakeUserDefaults();
-        {
-            const MLock changeLock(ChangeLock());
+        WhenSettled([&] {
             for (int band = 0; band < layout_.bandCount; ++band) {
                 for (ParameterDefinition& record : Effect(band).Records()) {
-                    record.SetValue(record.FromNormalised(random_.Next()));
+                    record.Overrule(record.FromNormalised(random_.Next()));
                 }
                 Effect(band).Mark(-1);
             }
-        }
+        });
         ReportParameterChanges();
     });
 }
@@ -75,10 +73,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::GenerateRandomSettingsForM
         [&] {
             for (const ParameterDefinition& record : Modulation().MultiParameterRecords()) {
                 double position = 0;
-                {
-                    const MLock changeLock(ChangeLock());
-                    position = random_.Next();
-                }
+                WhenSettled([&] { position = random_.Next(); });
                 // As a host would, so that what they move follows.
                 SetParameter(Modulation().MakeTarget(record.name).identifier, position, false);
             }

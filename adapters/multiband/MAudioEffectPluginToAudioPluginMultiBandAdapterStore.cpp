@@ -21,44 +21,74 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::AddStateRecords(MStateReco
     MAudioEffectPluginToAudioPluginAdapter::AddStateRecords(records);
 }
 
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::FillStage(MArchive::Base base) {
-    MAudioEffectPluginToAudioPluginAdapter::FillStage(base);
-    if (base == MArchive::Base::Current) {
-        const MLock lock(settingsLock_);
-        stagedLayout_ = layout_;
-        stagedOptions_ = options_;
-        return;
-    }
-    stagedLayout_ = {};
-    stagedLayout_.SetDefaults(DefaultBandCount());
-    stagedOptions_ = {};
-    StageDefaultLimits(stagedLayout_.bandCount);
+std::unique_ptr<MStage> MAudioEffectPluginToAudioPluginMultiBandAdapter::MakeStage() const {
+    return std::make_unique<Stage>();
 }
 
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::StageDefaultLimits(int bandCount) {
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::FillStage(MStage& base,
+                                                                MArchive::Base values) {
+    auto& stage = static_cast<Stage&>(base);
+    MAudioEffectPluginToAudioPluginAdapter::FillStage(stage, values);
+    if (values == MArchive::Base::Current) return;
+    stage.layout.SetDefaults(DefaultBandCount());
+    StageDefaultLimits(stage);
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ReadIntoStage(MStage& base) {
+    MAudioEffectPluginToAudioPluginAdapter::ReadIntoStage(base);
+    auto& stage = static_cast<Stage&>(base);
+    stage.layout = layout_;
+    stage.options = options_;
+}
+
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::StageDefaultLimits(Stage& stage) {
     int index = 0;
-    for (const double hertz : MBandLayout::DefaultLimits(bandCount)) {
-        StateRecords().Of(parameters_.Limit(index++), StagedValues()) = std::log10(hertz);
+    for (const double hertz : MBandLayout::DefaultLimits(stage.layout.bandCount)) {
+        StateRecords().Of(parameters_.Limit(index++), stage.values) = std::log10(hertz);
     }
 }
 
-MStateHandOver::Ticket MAudioEffectPluginToAudioPluginMultiBandAdapter::CommitStage() {
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareStage(MStage& base) {
+    auto& stage = static_cast<Stage&>(base);
+    bool isPrepared = false;
+    int sampleRate = 0;
+    {
+        const MLock lock(ChangeLock());
+        isPrepared = AreBandsPrepared(stage.layout.bandCount);
+        sampleRate = RateOfDesigns();
+    }
+    if (!isPrepared) {
+        const MLock preparing(preparingLock_);
+        PrepareBands(stage.layout.bandCount);
+        sampleRate = RateOfDesigns();
+    }
+    stage.design = Design(stage.layout, stage.options, StagedLimits(stage), sampleRate);
+}
+
+bool MAudioEffectPluginToAudioPluginMultiBandAdapter::CommitStage(MStage& base) {
+    auto& stage = static_cast<Stage&>(base);
+    const bool isReady = AreBandsPrepared(stage.layout.bandCount) &&
+                         stage.design->choice.sampleRate == RateOfDesigns();
+    if (!isReady) return false;
     {
         const MLock lock(settingsLock_);
-        layout_ = stagedLayout_;
+        layout_ = stage.layout;
         layout_.DeriveSolo();
-        options_ = stagedOptions_;
+        options_ = stage.options;
     }
-    return PutIntoForce(StagedLimits(), &StagedValues());
+    isLegacyState_.store(stage.isLegacy, std::memory_order_relaxed);
+    PublishStage(stage, MakePart(std::move(stage.design)));
+    return true;
 }
 
 // A modulated limit stays where its modulator has it.
-MBandParameters::Limits MAudioEffectPluginToAudioPluginMultiBandAdapter::StagedLimits() {
+MBandParameters::Limits MAudioEffectPluginToAudioPluginMultiBandAdapter::StagedLimits(
+    Stage& stage) {
     MBandParameters::Limits limits = parameters_.ReadLimits();
     for (int index = 0; index < MBandParameters::kLimits; ++index) {
         const ParameterDefinition& record = parameters_.Limit(index);
         if (record.IsRedirected()) continue;
-        limits[index] = record.Nearest(StateRecords().Of(record, StagedValues()));
+        limits[index] = record.Nearest(StateRecords().Of(record, stage.values));
     }
     return limits;
 }
@@ -66,38 +96,41 @@ MBandParameters::Limits MAudioEffectPluginToAudioPluginMultiBandAdapter::StagedL
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::StoreSettings(MXMLNode node,
                                                                     MArchive& archive) {
     Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::StoreSettings", [&] {
-        stagedOptions_.Store(node, archive);
-        StoreLayout(node, archive);
-        StoreBandParameters(node, archive);
+        const auto& staging = dynamic_cast<const MStagingArchive&>(archive);
+        auto& stage = static_cast<Stage&>(staging.Stage());
+        stage.options.Store(node, archive);
+        StoreLayout(node, archive, stage);
+        StoreBandParameters(node, staging, stage);
         if (archive.IsWriting()) {
-            SaveBandEffects(node);
+            SaveBandEffects(node, stage);
         } else if (node.Child(BandKey(0))) {
-            isLegacyState_.store(false, std::memory_order_relaxed);
-            LoadBandEffects(node);
+            LoadBandEffects(node, stage);
         } else {
-            isLegacyState_.store(true, std::memory_order_relaxed);
-            LoadLegacyEffect(node);
+            stage.isLegacy = true;
+            LoadLegacyEffect(node, stage);
         }
-        CompleteStage();
+        stage.isComplete = true;
     });
 }
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::StoreLayout(MXMLNode node,
-                                                                  const MArchive& archive) {
+                                                                  const MArchive& archive,
+                                                                  Stage& stage) {
     try {
-        stagedLayout_.Store(node, archive);
+        stage.layout.Store(node, archive);
     } catch (const MException& exception) {
         // The rest of the state is as good as any: only the bands stay as many as they are.
-        stagedLayout_.bandCount = layout_.bandCount;
-        stagedLayout_.editedBand = layout_.editedBand;
+        const MBandLayout present = Layout();
+        stage.layout.bandCount = present.bandCount;
+        stage.layout.editedBand = present.editedBand;
         MFailureReporter::Report(exception.Text());
     }
-    if (archive.StartsFromDefaults()) StageDefaultLimits(stagedLayout_.bandCount);
+    if (archive.StartsFromDefaults()) StageDefaultLimits(stage);
 }
 
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::StoreBandParameters(MXMLNode node,
-                                                                          const MArchive& archive) {
-    for (int band = 0; band < stagedLayout_.bandCount; ++band) {
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::StoreBandParameters(
+    MXMLNode node, const MStagingArchive& archive, const Stage& stage) {
+    for (int band = 0; band < stage.layout.bandCount; ++band) {
         StoreRecord(parameters_.Gain(band), node, archive);
         StoreRecord(parameters_.Panorama(band), node, archive);
         if (band > 0) StoreRecord(parameters_.Limit(band - 1), node, archive);
@@ -109,30 +142,31 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::StoreBandParameters(MXMLNo
 }
 
 // All six, whatever the count. Each for itself: one that fails takes nothing from the others.
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::SaveBandEffects(MXMLNode node) {
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::SaveBandEffects(MXMLNode node, Stage& stage) {
     for (int band = 0; band < EffectCount(); ++band) {
         Guard(kEffects, [&] {
             MXMLNode child = node.AddChild(BandKey(band));
-            SaveEffect(band, child);
+            SaveEffect(band, child, stage);
         });
     }
 }
 
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::LoadBandEffects(MXMLNode node) {
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::LoadBandEffects(MXMLNode node, Stage& stage) {
     for (int band = 0; band < EffectCount(); ++band) {
         Guard(kEffects, [&] {
-            if (const MXMLNode child = node.Child(BandKey(band))) LoadEffect(band, child);
+            if (const MXMLNode child = node.Child(BandKey(band))) LoadEffect(band, child, stage);
         });
     }
 }
 
 // States from before there were bands keep the effect's values beside all others. Such a state is
 // meant for one band, unless it says something else.
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::LoadLegacyEffect(MXMLNode node) {
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::LoadLegacyEffect(MXMLNode node,
+                                                                       Stage& stage) {
     Guard(kEffects, [&] {
-        const bool hasEffect = LoadEffect(0, node);
+        const bool hasEffect = LoadEffect(0, node, stage);
         if (!hasEffect || node.Attribute("BandCount")) return;
-        stagedLayout_.bandCount = 1;
-        stagedLayout_.editedBand = 0;
+        stage.layout.bandCount = 1;
+        stage.layout.editedBand = 0;
     });
 }

@@ -2,35 +2,22 @@
 #include "adapters/multiband/MBandDesigner.h"
 
 #include <algorithm>
-#include <cmath>
+#include <limits>
 
-namespace {
-
-MBandParameters::Limits Hertz(const MBandParameters::Limits& limits) {
-    MBandParameters::Limits hertz{};
-    std::transform(limits.begin(), limits.end(), hertz.begin(),
-                   [](double limit) { return std::pow(10.0, limit); });
-    return hertz;
-}
-
-}  // namespace
-
-void MBandDesigner::Prepare(const MCrossoverChoice& choice, const MBandParameters::Limits& limits) {
-    if (choice.isLinearPhase) {
-        processor_.LinearPhase().Prepare(choice.bandCount, Hertz(limits), choice.sampleRate,
-                                         choice.hasFixedQ);
-    } else {
-        processor_.Analog().Prepare(choice.bandCount, Hertz(limits), choice.sampleRate,
-                                    choice.slope);
-    }
-}
-
-void MBandDesigner::Publish() noexcept {
+// Limits may have been automated since others looked at them; forgetting those that were dealt with
+// brings them up again.
+void MBandDesigner::Take(const MBandDesign& design) noexcept {
+    if (&design == taken_) return;
+    taken_ = &design;
+    choice_ = design.choice;
+    limits_ = design.limits;
+    seen_.fill(std::numeric_limits<double>::quiet_NaN());
     if (choice_.isLinearPhase) {
-        processor_.LinearPhase().Publish();
+        processor_.LinearPhase().Take(*design.linearPhase);
     } else {
-        processor_.Analog().Publish();
+        processor_.Analog().Take(design.analog);
     }
+    processor_.TakeDesigns();
 }
 
 bool MBandDesigner::IsDue(const MBandParameters::Limits& limits, int count) noexcept {
@@ -40,8 +27,7 @@ bool MBandDesigner::IsDue(const MBandParameters::Limits& limits, int count) noex
 }
 
 void MBandDesigner::Follow(const MBandParameters::Limits& limits) {
-    const MTryLock lock(lock_);
-    if (!lock || (choice_.isLinearPhase && sinceFollowed_ < kLinearPhasePause)) return;
+    if (choice_.isLinearPhase && sinceFollowed_ < kLinearPhasePause) return;
     seen_ = limits;
     sinceFollowed_ = 0;
     if (!Concerns(limits)) return;
@@ -54,11 +40,12 @@ bool MBandDesigner::Concerns(const MBandParameters::Limits& limits) const noexce
 }
 
 void MBandDesigner::Redesign() {
+    const MBandParameters::Limits hertz = MBandDesign::Hertz(limits_);
     if (choice_.isLinearPhase) {
-        processor_.LinearPhase().Design(choice_.bandCount, Hertz(limits_), choice_.sampleRate,
+        processor_.LinearPhase().Design(choice_.bandCount, hertz, choice_.sampleRate,
                                         choice_.hasFixedQ);
     } else {
-        processor_.Analog().Design(choice_.bandCount, Hertz(limits_), choice_.sampleRate,
-                                   choice_.slope);
+        processor_.Analog().Design(choice_.bandCount, hertz, choice_.sampleRate, choice_.slope);
     }
+    processor_.TakeDesigns();
 }

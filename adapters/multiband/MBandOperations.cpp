@@ -27,27 +27,26 @@ bool MBandOperations::CreateDefaultBands(int count) {
 
 bool MBandOperations::ResetGains() {
     if (!Confirm("Are you sure you want to reset gain of all bands?")) return false;
-    for (int band = 0; band < MBandLayout::kMaxBands; ++band) {
-        plugin_.BandParameters().Gain(band).SetValue(0);
-    }
-    plugin_.OnGlobalChange(false);
+    plugin_.ChangeBandParameters([](MBandParameters& parameters) {
+        for (int band = 0; band < MBandLayout::kMaxBands; ++band) parameters.Gain(band).Overrule(0);
+    });
     return true;
 }
 
 bool MBandOperations::ResetPanorama() {
     if (!Confirm("Are you sure you want to reset panorama of all bands?")) return false;
-    for (int band = 0; band < MBandLayout::kMaxBands; ++band) {
-        plugin_.BandParameters().Panorama(band).SetValue(0);
-    }
-    plugin_.OnGlobalChange(false);
+    plugin_.ChangeBandParameters([](MBandParameters& parameters) {
+        for (int band = 0; band < MBandLayout::kMaxBands; ++band) {
+            parameters.Panorama(band).Overrule(0);
+        }
+    });
     return true;
 }
 
 void MBandOperations::ResetBand(int band) {
     plugin_.Layout().CheckBand(band);
-    MBandParameters& parameters = plugin_.BandParameters();
-    ParameterDefinition& record =
-        plugin_.Options().editsPanorama ? parameters.Panorama(band) : parameters.Gain(band);
-    record.SetValue(0);
-    plugin_.OnGlobalChange(false);
+    const bool isPanorama = plugin_.Options().editsPanorama;
+    plugin_.ChangeBandParameters([&](MBandParameters& parameters) {
+        (isPanorama ? parameters.Panorama(band) : parameters.Gain(band)).Overrule(0);
+    });
 }

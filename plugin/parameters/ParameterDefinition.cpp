@@ -133,7 +133,37 @@ void ParameterDefinition::DefineGroup(std::string newKey, std::string newName, b
 
 double ParameterDefinition::Value() const noexcept { return MRelaxed::Load(value); }
 
-void ParameterDefinition::SetValue(double newValue) noexcept { MRelaxed::Store(value, newValue); }
+// What was written while redirected is in the secondary value until the modulator finds it there
+// and makes it the own value.
+double ParameterDefinition::Knob() const noexcept {
+    const double last = MRelaxed::Load(written);
+    const bool isPending = IsRedirected() && MRelaxed::Load(secondary) == last;
+    return isPending ? last : Value();
+}
+
+void ParameterDefinition::SetKnob(double newValue) noexcept {
+    if (!IsRedirected()) {
+        SetValue(newValue);
+        return;
+    }
+    SetSecondary(newValue);
+    MRelaxed::Store(written, newValue);
+}
+
+void ParameterDefinition::Overrule(double newValue) noexcept {
+    SetValue(newValue);
+    // A write that the modulator has not made the own value yet would follow.
+    if (IsRedirected()) SetSecondary(newValue);
+}
+
+void ParameterDefinition::ForgetKnob() noexcept {
+    MRelaxed::Store(written, std::numeric_limits<double>::quiet_NaN());
+}
+
+void ParameterDefinition::SetValue(double newValue) noexcept {
+    MRelaxed::Store(value, newValue);
+    ForgetKnob();
+}
 
 void ParameterDefinition::SetSecondary(double newValue) noexcept {
     MRelaxed::Store(secondary, newValue);
@@ -156,6 +186,7 @@ bool ParameterDefinition::IsRedirected() const noexcept { return (Flags() & kRed
 
 void ParameterDefinition::SetRedirect(bool on) noexcept {
     SetSecondary(Value());
+    ForgetKnob();
     // Released after the secondary value, so that nobody who sees the flag reads an older one.
     if (on) {
         std::atomic_ref(flags).fetch_or(kRedirect, std::memory_order_release);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -57,8 +58,9 @@ struct ParameterDefinition {
     double value = 0;      ///< in the record's own units; an index, or 0 and 1, for the other kinds
     double secondary = 0;  ///< the modulated value, in force while redirected
     double previous = 0;   ///< where the last ramp ended
-    std::string key;       ///< attribute name in the state; never changes between versions
-    std::string name;      ///< shown to the user
+    double written = std::numeric_limits<double>::quiet_NaN();  ///< by SetKnob, while redirected
+    std::string key;        ///< attribute name in the state; never changes between versions
+    std::string name;       ///< shown to the user
     std::string shortName;  ///< empty so far
     std::string unitsName;  ///< empty so far: display texts bring their unit along
     std::string help;       ///< what the user reads about it, in the editor's markup
@@ -93,6 +95,16 @@ struct ParameterDefinition {
 
     /// The record's own value. [any]
     double Value() const noexcept;
+    /// The value that the knob has: the own one or, while redirected, what was written since the
+    /// modulator has looked last. [any]
+    double Knob() const noexcept;
+    /// Stores a value as the user's or the host's: the knob is to have it. [any]
+    void SetKnob(double newValue) noexcept;
+    /// Stores a value that nothing written before is to undo: of a state, or of many records that
+    /// change together. [any]
+    void Overrule(double newValue) noexcept;
+    /// Says that the secondary value is the modulator's own. [audio]
+    void ForgetKnob() noexcept;
     /// Stores the record's own value as it is. [any]
     void SetValue(double newValue) noexcept;
     /// Stores the modulated value as it is. [any]

@@ -27,13 +27,8 @@ public:
         if (std::isnan(x)) return;
         const double newValue = record_.FromNormalised(x);
         if (!std::isfinite(newValue)) return;
-        const bool isRedirected = record_.IsRedirected();
-        const double oldValue = isRedirected ? record_.Effective() : record_.Value();
-        if (isRedirected) {
-            record_.SetSecondary(newValue);
-        } else {
-            record_.SetValue(newValue);
-        }
+        const double oldValue = record_.Effective();
+        record_.SetKnob(newValue);
         if (silent) return;
         const bool refresh = HasFlag(ParameterDefinition::kUpdateRequired);
         this->TellChange(offset, oldValue, newValue, refresh);

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/MPluginState.h"
 #include "product/MProductFactory.h"
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/LockWaitCounter.h"
 #include "tests/support/RunPlugin.h"
+#include "tests/support/Sanitized.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +14,7 @@
 #include <future>
 #include <random>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -52,6 +55,57 @@ TEST(ProductThreads, TheBandCountMayChangeInTheMiddleOfABlock) {
     input.FillWithNoise(2);
     RunPlugin(*plugin, input, output, kBlock);
     EXPECT_EQ(output[0], input[0]);
+}
+
+TEST(ProductThreads, WhatIsLoadedLastHoldsWhateverElseGoesOn) {
+    const auto plugin = MProductFactory::Create();
+    plugin->InitProcessing();
+    const auto stateWith = [](int bands, bool isLinear) {
+        const auto other = MProductFactory::Create();
+        other->CreateDefaultBands(bands);
+        MBandOptions options;
+        options.isLinearPhase = isLinear;
+        other->SetOptions(options);
+        other->GenerateRandomSettings();
+        MModulationSettings modulation;
+        modulation.modulators[0].modulator.isEnabled = true;
+        modulation.modulators[0].targets = {other->Modulation().MakeTarget("Band limit 1"),
+                                            other->Modulation().MakeTarget("B1 T1 Delay")};
+        other->Modulation().SetSettings(modulation);
+        return MPluginState::Save(*other);
+    };
+    const std::vector<std::uint8_t> states[] = {stateWith(2, false), stateWith(6, true),
+                                                stateWith(4, false)};
+    std::atomic<bool> isRunning{true};
+    const auto repeat = [&](auto&& job) {
+        return std::thread([&isRunning, job] {
+            for (int i = 0; isRunning; ++i) job(i);
+        });
+    };
+    std::thread others[] = {repeat([&](int) {
+                                Channels input(2, kBlock), output(2, kBlock);
+                                input.FillWithNoise(1);
+                                for (int i = 0; i < 100; ++i)
+                                    RunPlugin(*plugin, input, output, kBlock);
+                                for (const float sample : output[0])
+                                    ASSERT_TRUE(std::isfinite(sample));
+                            }),
+                            repeat([&](int i) { MPluginState::Load(*plugin, states[i % 3]); }),
+                            repeat([&](int) { MPluginState::Save(*plugin); }), repeat([&](int i) {
+                                if (i % 4 == 0) plugin->CreateDefaultBands(1 + i % 6);
+                                if (i % 4 == 1) plugin->GenerateRandomSettings();
+                                if (i % 4 == 2) plugin->Modulation().SetModulator(i % 3, {});
+                                if (i % 40 == 3) plugin->InitProcessing();
+                                plugin->SetParameter(static_cast<std::uint32_t>(i % 208), 0.5,
+                                                     false);
+                            })};
+    for (int load = 0; load < (kIsSanitized ? 30 : 300); ++load) {
+        MPluginState::Load(*plugin, states[load % 3]);
+    }
+    isRunning = false;
+    for (std::thread& other : others) other.join();
+    MPluginState::Load(*plugin, states[1]);
+    EXPECT_EQ(MPluginState::Save(*plugin), states[1]);
 }
 
 TEST(ProductThreads, AWaitForALockIsCounted) {

@@ -6,6 +6,7 @@
 #include "plugin/values/MValueTimeMS.h"
 
 #include <array>
+#include <atomic>
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -87,6 +88,9 @@ private:
     std::vector<std::vector<float>> history_;  // [channels][frames since Prepare]
 };
 
+/// Counts one more, of which several threads may do; what it was before.
+int Count(int& number) noexcept { return std::atomic_ref(number).fetch_add(1); }
+
 std::int64_t Dispatch(Probe& probe, MEffectCommand command, const MEffectArguments& arguments) {
     const auto& values = arguments.values;
     switch (command) {
@@ -95,7 +99,7 @@ std::int64_t Dispatch(Probe& probe, MEffectCommand command, const MEffectArgumen
             theLog.callback = std::bit_cast<MEffectHostCallback>(values[1].pointer);
             return 0;
         case MEffectCommand::Destroy:
-            ++theLog.destroyed;
+            Count(theLog.destroyed);
             std::default_delete<Probe>()(&probe);
             return 0;
         case MEffectCommand::GetParameterTable:
@@ -128,8 +132,9 @@ std::int64_t Dispatch(Probe& probe, MEffectCommand command, const MEffectArgumen
 void* Entry(void* object, void* command, void* arguments) {
     const auto number = static_cast<MEffectCommand>(std::bit_cast<std::int64_t>(command));
     if (object == nullptr) {
-        if (theScript.failsToCreate || theLog.created >= theScript.createsAtMost) return nullptr;
-        ++theLog.created;
+        if (theScript.failsToCreate || Count(theLog.created) >= theScript.createsAtMost) {
+            return nullptr;
+        }
         object = std::make_unique<Probe>().release();
     }
     if (number == MEffectCommand::Create) return object;

@@ -72,8 +72,8 @@ protected:
             settings.multiParameters[index++].Store(node, archive);
         }
         if (archive.IsWriting()) return;
-        MModulation::Replacement replacement(Modulation(), settings);
-        replacement.Publish();
+        const MModulation::Replacement replacement(Modulation(), settings);
+        Modulation().Adopt(replacement.Plan());
     }
     /// Runs `count` samples as one block; the level that its last one has.
     double Run(int count) {
@@ -364,7 +364,8 @@ TEST_F(MModulationTest, TakesNoMemoryInABlock) {
     Set("MultiParameter 2", 0.7);
     Modulation().SetModulator(2, Square());
     const AllocationCounter counter;
-    Modulation().Adopt();
+    Modulation().LookForNewer();
+    Modulation().Adopt({});
     Modulation().Advance(piece);
     EXPECT_EQ(counter.Count(), 0);
 }

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <future>
 #include <string>
 #include <thread>
 
@@ -71,7 +73,8 @@ TEST_F(MultiBandStoreTest, BlocksAndSavesHaveAllOfAStateOrNothingOfIt) {
         }
     });
     while (heard[0] == 0) std::this_thread::yield();
-    for (int load = 0; load < 200; ++load) {
+    const auto isHeardEnough = [&] { return heard[0] > 50 && heard[1] > 50; };
+    for (int load = 0; load < 200 || (load < 100000 && !isHeardEnough()); ++load) {
         Load(load % 2 == 0 ? four : one);
         EXPECT_EQ(plugin_.Effect(0).Records()[ProbeEffect::Hold].Value(), load % 2);
     }
@@ -79,7 +82,70 @@ TEST_F(MultiBandStoreTest, BlocksAndSavesHaveAllOfAStateOrNothingOfIt) {
     audio.join();
     saving.join();
     EXPECT_EQ(torn, 0);
-    EXPECT_TRUE(heard[0] > 0 && heard[1] > 0);
+    EXPECT_TRUE(isHeardEnough());
+}
+
+TEST_F(MultiBandStoreTest, WhatIsChangedAfterALoadHasBegunIsNotUndoneByIt) {
+    // A block holds the load up: its values have to wait until the block has ended.
+    std::promise<void> isInBlock, mayEnd;
+    ProbeEffect::Script script;
+    script.inBlock = [&, isFirst = true]() mutable {
+        if (!isFirst) return;
+        isFirst = false;
+        isInBlock.set_value();
+        mayEnd.get_future().wait();
+    };
+    plugin_.CreateDefaultBands(1);
+    ProbeEffect::Reset(script);
+    Channels input(2, kBlock), output(2, kBlock);
+    std::thread audio([&] { RunPlugin(plugin_, input, output, kBlock); });
+    isInBlock.get_future().wait();
+    std::thread loading(
+        [&] { Load("<settings BandCount='2' Gain0='6' Pan0='1'><band0 level='9'/></settings>"); });
+    while (plugin_.Layout().bandCount != 2) std::this_thread::yield();
+    std::thread changing([&] {
+        plugin_.ChangeBandParameters([](MBandParameters& all) { all.Gain(0).SetValue(-6); });
+        plugin_.GenerateRandomSettings();
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));  // a change that did not wait is in
+    mayEnd.set_value();
+    for (std::thread* thread : {&audio, &loading, &changing}) thread->join();
+    RunPlugin(plugin_, input, output, kBlock);
+    EXPECT_EQ(plugin_.BandParameters().Gain(0).Value(), -6);
+    EXPECT_EQ(plugin_.BandParameters().Panorama(0).Value(), 1);
+    EXPECT_NE(Level(0), 9);
+}
+
+TEST_F(MultiBandStoreTest, LoadsAtOnceWhileNoBlocksCome) {
+    Channels input(2, kBlock), output(2, kBlock);
+    std::thread audio([&] { RunPlugin(plugin_, input, output, kBlock); });
+    audio.join();
+    const auto start = std::chrono::steady_clock::now();
+    for (int load = 0; load < 100; ++load) {
+        Load("<settings><band0 level='" + std::to_string(load % 10) + "'/></settings>");
+        ASSERT_EQ(Level(0), load % 10);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
+}
+
+TEST_F(MultiBandStoreTest, SavesWhatWasWrittenToAModulatedParameterSinceTheLastBlock) {
+    MModulationSettings settings;
+    settings.modulators[0].modulator.isEnabled = true;
+    settings.modulators[0].targets = {plugin_.Modulation().MakeTarget("Band panorama 1")};
+    plugin_.Modulation().SetSettings(settings);
+    Channels input(2, kBlock), output(2, kBlock);
+    const auto saved = [&] {
+        const MXMLTree tree = MXMLTree::Parse(MPluginState::SaveText(plugin_));
+        return tree.Root().Attribute("Pan0");
+    };
+    RunPlugin(plugin_, input, output, kBlock);
+    ASSERT_TRUE(plugin_.BandParameters().Panorama(0).IsRedirected());
+    EXPECT_EQ(saved(), "0") << "the knob, wherever the modulator has it";
+    const std::uint32_t panorama = FindParameter(plugin_, "Band panorama 1");
+    plugin_.SetParameter(panorama, 0.75, false);
+    EXPECT_EQ(saved(), "0.5");
+    RunPlugin(plugin_, input, output, kBlock);
+    EXPECT_EQ(saved(), "0.5");
 }
 
 TEST_F(MultiBandStoreTest, ABandThatFailsStopsNoOther) {
