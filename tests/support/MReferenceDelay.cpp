@@ -76,8 +76,11 @@ void MReferenceDelay::Update(const MDelaySettings& settings) {
     hasLow_ = std::abs(settings.maxFrequency - 20000) >= 1;
     hasHigh_ = std::abs(20 - settings.minFrequency) >= 1;
     const auto q = static_cast<double>(static_cast<float>(0.1 + 0.8 * settings.resonance));
-    if (hasLow_) low_ = DesignBiquad(BiquadType::LowPass, settings.maxFrequency, q, sampleRate_);
-    if (hasHigh_) high_ = DesignBiquad(BiquadType::HighPass, settings.minFrequency, q, sampleRate_);
+    const auto design = [&](BiquadType type, double frequency) {
+        return DesignBiquad(type, std::min(frequency, 0.49 * sampleRate_), q, sampleRate_);
+    };
+    if (hasLow_) low_ = design(BiquadType::LowPass, settings.maxFrequency);
+    if (hasHigh_) high_ = design(BiquadType::HighPass, settings.minFrequency);
     for (int tap = 0; tap < kDelayTaps; ++tap) {
         const MDelayTapSettings& s = settings.taps[tap];
         isEnabled_[tap] = s.isEnabled;

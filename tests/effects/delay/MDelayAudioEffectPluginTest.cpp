@@ -33,17 +33,13 @@ __attribute__((no_sanitize("thread"))) float Peek(const volatile float& sample) 
 
 }  // namespace
 
-TEST(MDelayAudioEffectPlugin, IsCreatedByCommandSevenWhichThenReturnsIt) {
+TEST(MDelayAudioEffectPlugin, AnswersEveryCommandWithItsResult) {
     DelayEntry delay;
     ASSERT_NE(delay.Object(), nullptr);
     EXPECT_EQ(delay.Send(7), std::bit_cast<std::int64_t>(delay.Object()));
     EXPECT_EQ(delay.Table().count, 30);
     for (const auto& [command, result] : {std::pair(105, -1), {102, 1}, {1, 0}, {55, 0}})
         EXPECT_EQ(Answer(nullptr, command), result) << command << " without an object";
-}
-
-TEST(MDelayAudioEffectPlugin, AnswersEveryCommandWithItsResult) {
-    DelayEntry delay;
     const std::pair<int, std::int64_t> rows[] = {
         {3, 0},   {4, 0},    {5, 0},   {6, 0},   {8, 0},   {9, 0},   {10, 0},
         {11, 0},  {12, 0},   {13, 0},  {14, -1}, {15, 0},  {16, 0},  {17, 0},

@@ -22,8 +22,6 @@ namespace {
 
 constexpr int kRate = 48000;
 constexpr int kTap2 = 15;
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 bool IsFinite(const Sound& sound) {
     return std::ranges::all_of(sound, [](const auto& channel) {
@@ -37,14 +35,11 @@ std::vector<float*> PointersTo(Sound& sound) {
     return pointers;
 }
 
-double Uniform(std::mt19937& generator, double low, double high) {
-    return std::uniform_real_distribution<double>(low, high)(generator);
-}
-
 /// Any value of the record's range, its ends more often than not.
 double AnyValue(const ParameterDefinition& record, std::mt19937& generator) {
-    const double place = std::clamp(Uniform(generator, -0.5, 1.5), 0.0, 1.0);
-    return record.Nearest(record.minimum + place * (record.maximum - record.minimum));
+    const double place = std::uniform_real_distribution<double>(-0.5, 1.5)(generator);
+    const double part = std::clamp(place, 0.0, 1.0);
+    return record.Nearest(record.minimum + part * (record.maximum - record.minimum));
 }
 
 /// What a fresh delay of two channels makes of an impulse.
@@ -101,33 +96,22 @@ TEST(MDelayRobustness, LeavesTheHostsFloatingPointModeAlone) {
     _mm_setcsr(0x1f80U);
 }
 
-TEST(MDelayRobustness, TakesBlocksOfAnySize) {
+TEST(MDelayRobustness, TakesBlocksOfAnySizeAndIgnoresThoseWithoutChannels) {
     DelayEntry whole, parts;
     whole.Prepare(2, kRate);
     parts.Prepare(2, kRate);
-    const Sound input = Noise(2, 65536 + 8);
-    const Sound expected = whole.Process(input);
-    Sound output = input;
+    Sound output = Noise(2, 65536 + 8);
+    const Sound expected = whole.Process(output);
     int start = 0;
     for (const int count : {0, 1, 7, 0, -1, -65536, 65536}) {
-        float* const pointers[] = {output[0].data() + start, output[1].data() + start};
-        EXPECT_EQ(parts.Process(nullptr, pointers, pointers, count), 0);
+        float* const good[] = {output[0].data() + start, output[1].data() + start};
+        float* const half[] = {good[0], nullptr};
+        const void* const rows[][2] = {{nullptr, nullptr}, {good, nullptr}, {nullptr, good},
+                                       {half, good},       {good, half},    {good, good}};
+        for (const auto& row : rows) EXPECT_EQ(parts.Process(nullptr, row[0], row[1], count), 0);
         start += std::max(count, 0);
     }
     EXPECT_EQ(output, expected);
-}
-
-TEST(MDelayRobustness, IgnoresBlocksWithoutChannels) {
-    DelayEntry delay;
-    delay.Prepare(2, kRate);
-    std::vector<float> samples(64, 3.0f);
-    float* const good[] = {samples.data(), samples.data()};
-    float* const half[] = {samples.data(), nullptr};
-    const void* const rows[][2] = {
-        {nullptr, nullptr}, {good, nullptr}, {nullptr, good}, {half, good}, {good, half}};
-    for (const auto& row : rows) EXPECT_EQ(delay.Process(nullptr, row[0], row[1], 64), 0);
-    EXPECT_EQ(samples, std::vector<float>(64, 3.0f));
-    EXPECT_EQ(delay.Process(Impulse({1, 0.5f}, 12'000)), Fresh());
 }
 
 TEST(MDelayRobustness, RefusesAWrongPreparationAndStaysAsItWas) {
@@ -151,7 +135,7 @@ TEST(MDelayRobustness, SurvivesEveryWildValueInEveryRecord) {
     const Sound noise = Noise(2, 700);
     for (int index = 0; index < 30; ++index) {
         for (const double wild :
-             {kNan, 1e300, -1.0, -1e300, kInfinity, -kInfinity, 5e-324, 0.5000001, 3e9}) {
+             {std::nan(""), 1e300, -1.0, -1e300, HUGE_VAL, -HUGE_VAL, 5e-324, 0.5000001, 3e9}) {
             for (const bool isModulated : {false, true}) {
                 ParameterDefinition& record = delay.Record(index);
                 record.SetRedirect(isModulated);
@@ -179,7 +163,7 @@ TEST(MDelayRobustness, StaysFiniteThroughMinutesOfFullFeedback) {
             run.settings = RandomDelaySettings(generator, run.settings, 1);
             for (MDelayTapSettings& tap : run.settings.taps) {
                 tap.feedback = Held(1);
-                if (block % 80 == 0) tap.delay = Uniform(generator, 0, 0.5);
+                if (block % 80 == 0) tap.delay *= 10;
             }
             run.engine.Update(run.settings);
         }
