@@ -13,32 +13,22 @@ TEST(MModulationShape, HasItsValuesAtEveryPlace) {
     MShapeSettings settings;
     settings.stepCount = 4;
     settings.steps = {0.25, 1, -3, kNaN};
-    struct Row {
+    using enum MShape;
+    const struct {
         MShape shape;
         double smoothing, width, phase, value;
-    };
-    const Row rows[] = {{MShape::Sine, 0, 0.5, 0, 0.5},
-                        {MShape::Sine, 0, 0.5, 0.25, 1},
-                        {MShape::Sine, 0, 0.5, -0.25, 0},
-                        {MShape::Sine, 0, 0.5, 7.0 + 1.0 / 12, 0.75},
-                        {MShape::Triangle, 0, 0.5, 0.125, .75},
-                        {MShape::Triangle, 0, 0.5, 5.75, 0},
-                        {MShape::SawUp, 0, 0.5, 2.25, 0.25},
-                        {MShape::SawUp, 0, 0.5, -1e-20, 0},
-                        {MShape::SawDown, 0, 0.5, 3, 1},
-                        {MShape::SawDown, 0, 0.5, kNaN, 1},
-                        {MShape::Square, 0, 0.25, 0.24, 1},
-                        {MShape::Square, 0, 0.25, 0.26, 0},
-                        {MShape::Square, 0.5, 0.25, 0.0625, 0.5},
-                        {MShape::Square, 1, 0.25, 0.375, 0.5},
-                        {MShape::Square, 1, 1, 0, 1},
-                        {MShape::Square, 0, kNaN, 0, 0},
-                        {MShape::Steps, 0, 0.5, 0.3, 1},
-                        {MShape::Steps, 0, 0.5, 0.6, 0},
-                        {MShape::Steps, 0.5, 0.5, 1, 0},
-                        {MShape::Steps, 0.5, 0.5, 1.0625, 0.125},
-                        {MShape::Steps, 0.5, 0.5, 0.49, 1}};
-    for (const Row& row : rows) {
+    } rows[] = {{Sine, 0, .5, 0, .5},         {Sine, 0, .5, .25, 1},
+                {Sine, 0, .5, -.25, 0},       {Sine, 0, .5, 7 + 1.0 / 12, .75},
+                {Triangle, 0, .5, .125, .75}, {Triangle, 0, .5, 5.75, 0},
+                {SawUp, 0, .5, 2.25, .25},    {SawUp, 0, .5, -1e-20, 0},
+                {SawDown, 0, .5, 3, 1},       {SawDown, 0, .5, kNaN, 1},
+                {Square, 0, .25, .24, 1},     {Square, 0, .25, .26, 0},
+                {Square, .5, .25, .0625, .5}, {Square, 1, .25, .375, .5},
+                {Square, 1, 1, 0, 1},         {Square, 0, kNaN, 0, 0},
+                {Steps, 0, .5, .3, 1},        {Steps, 0, .5, .6, 0},
+                {Steps, .5, .5, 1, 0},        {Steps, .5, .5, 1.0625, .125},
+                {Steps, .5, .5, .49, 1}};
+    for (const auto& row : rows) {
         settings.shape = row.shape;
         settings.smoothing = row.smoothing;
         settings.width = row.width;

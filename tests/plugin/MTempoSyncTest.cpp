@@ -7,42 +7,27 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
-namespace {
-
-struct Fraction {
-    std::int64_t numerator, denominator;
-};
-
-/// What the name of a length says: "64" or "1 / 256" whole notes.
-Fraction WholeNotesOf(const std::string& name) {
-    const std::size_t slash = name.find('/');
-    if (slash == std::string::npos) return {std::stoll(name), 1};
-    return {std::stoll(name.substr(0, slash)), std::stoll(name.substr(slash + 1))};
-}
-
-constexpr Fraction kTypes[] = {{1, 1}, {2, 3}, {3, 2}, {4, 5}};
-
-}  // namespace
-
 TEST(MTempoSync, LastsWhatItsNameSaysInEveryTypeTempoAndRate) {
+    constexpr std::pair<std::int64_t, std::int64_t> kTypes[] = {{1, 1}, {2, 3}, {3, 2}, {4, 5}};
     const std::vector<std::string> names = MTempoSync::LengthNames();
     for (int length = 0; length < MTempoSync::kLengthCount; ++length) {
-        const Fraction notes = WholeNotesOf(names[length]);
+        // "64" or "1 / 256" whole notes.
+        const std::string& name = names[length];
+        const bool isPart = name.starts_with("1 / ");
+        const std::int64_t number = std::stoll(isPart ? name.substr(4) : name);
         for (int type = 0; type < MTempoSync::kTypeCount; ++type) {
-            for (const int tempo : {60, 97, 120, 133}) {
-                for (const int rate : {44100, 48000, 192000}) {
-                    // A whole note is four quarters of 60 / tempo seconds; rounded half up.
-                    const std::int64_t over = notes.denominator * kTypes[type].denominator * tempo;
-                    const std::int64_t samples =
-                        notes.numerator * kTypes[type].numerator * 240 * rate;
-                    const std::int64_t expected = (2 * samples + over) / (2 * over);
-                    EXPECT_EQ(MTempoSync::PeriodSamples(length, static_cast<MTempoSync::Type>(type),
-                                                        tempo, rate),
-                              expected)
-                        << names[length] << ", type " << type << " at " << tempo << " and " << rate;
-                }
+            for (const auto& [tempo, rate] : {std::pair(60, 44100), {97, 48000}, {133, 192000}}) {
+                // A whole note is four quarters of 60 / tempo seconds; rounded half up.
+                const auto& [above, below] = kTypes[type];
+                const std::int64_t over = (isPart ? number : 1) * below * tempo;
+                const std::int64_t samples = (isPart ? 1 : number) * above * 240 * rate;
+                EXPECT_EQ(MTempoSync::PeriodSamples(length, static_cast<MTempoSync::Type>(type),
+                                                    tempo, rate),
+                          (2 * samples + over) / (2 * over))
+                    << name << ", type " << type << " at " << tempo;
             }
         }
     }

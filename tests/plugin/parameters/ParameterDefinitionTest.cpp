@@ -9,6 +9,8 @@
 #include <cmath>
 #include <limits>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 namespace {
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -31,31 +33,23 @@ TEST(ParameterDefinition, BendsPositionsByItsCurve) {
     }
 }
 
-TEST(ParameterDefinition, CutsWholeNumbersButKeepsThoseReadFromPositions) {
-    for (const auto& [minimum, maximum] : {std::pair(0, 100), std::pair(-7, 300)}) {
-        ParameterDefinition whole;
-        whole.DefineInt("k", "Name", minimum, maximum, 0);
-        for (int i = minimum; i <= maximum; ++i) {
-            EXPECT_EQ(whole.FromNormalised(whole.ToNormalised(i)), i);
+TEST(ParameterDefinition, WholeNumbersAndChoicesSurviveTheirPositions) {
+    ParameterDefinition whole, far, negative, record, lengths;
+    whole.DefineInt("k", "Name", 0, 100, 0);
+    far.DefineInt("k", "Name", -7, 300, 0);
+    negative.DefineInt("k", "Name", -10, 0, 0);
+    record.DefineEnum("k", "Name", {"Default", "Classic", "PingPong"}, 1);
+    lengths.DefineEnum("k", "Name", std::vector<std::string>(15, "x"), 9);
+    for (const ParameterDefinition* one : {&whole, &far, &negative, &record, &lengths}) {
+        for (double value = one->minimum; value <= one->maximum; ++value) {
+            EXPECT_EQ(one->FromNormalised(one->ToNormalised(value)), value);
         }
     }
-    ParameterDefinition negative;
-    negative.DefineInt("k", "Name", -10, 0, 0);
     EXPECT_EQ(negative.FromNormalised(0.05), -9) << "towards zero";
-    EXPECT_EQ(negative.FromNormalised(1), 0);
-}
-
-TEST(ParameterDefinition, SharesTheRangeEvenlyAmongChoices) {
-    ParameterDefinition record;
-    record.DefineEnum("k", "Name", {"Default", "Classic", "PingPong"}, 1);
-    const std::pair<double, int> rows[] = {{0, 0},    {0.33, 0}, {0.34, 1}, {0.5, 1}, {0.66, 1},
-                                           {0.84, 2}, {1, 2},    {1.5, 2},  {-1, 0}};
+    const std::pair<double, int> rows[] = {{0.33, 0}, {0.34, 1}, {0.66, 1}, {0.84, 2},
+                                           {1, 2},    {1.5, 2},  {-1, 0}};
     for (const auto& [x, index] : rows) EXPECT_EQ(record.FromNormalised(x), index) << x;
     EXPECT_EQ(record.ToNormalised(1), 0.5);
-
-    ParameterDefinition lengths;
-    lengths.DefineEnum("k", "Name", std::vector<std::string>(15, "x"), 9);
-    for (int i = 0; i < 15; ++i) EXPECT_EQ(lengths.FromNormalised(lengths.ToNormalised(i)), i);
 }
 
 TEST(ParameterDefinition, IndexIsAlwaysAChoice) {
@@ -74,45 +68,45 @@ TEST(ParameterDefinition, IndexIsAlwaysAChoice) {
 
 TEST(ParameterDefinition, ShowsByTextThenByFormatThenPlainly) {
     const ForeignLocale foreign;
-    ParameterDefinition time;
+    ParameterDefinition time, gain, onOff, percent, whole, formatted;
     time.DefineFloat("k", "Delay", 0, 0.5, 0.1, {MValueTimeMS::Format, MValueTimeMS::Parse});
-    EXPECT_EQ(time.DisplayText(0.25), "250 ms");
-    EXPECT_EQ(time.ParseDisplayText("0.35 s"), 0.35);
-    EXPECT_EQ(time.ParseDisplayText("2 s"), 0.5) << "held within the range";
-    EXPECT_FALSE(time.ParseDisplayText("fast"));
-
-    ParameterDefinition gain;
     gain.DefineFloat("k", "Gain", -24, 24, 0, "{+0.2} dB");
-    EXPECT_EQ(gain.DisplayText(3), "+3.00 dB");
-    EXPECT_EQ(gain.ParseDisplayText("+3.00 dB"), 3.0);
-    EXPECT_EQ(gain.ParseDisplayText("-6"), -6.0);
-    EXPECT_FALSE(gain.ParseDisplayText("3 Hz"));
-    EXPECT_EQ(gain.scale->GetDisplayText(), "0.00 dB");
-
-    ParameterDefinition onOff;
     onOff.DefineBool("k", "Name", true);
-    EXPECT_EQ(onOff.FromNormalised(0.4999), 0);
-    EXPECT_EQ(onOff.FromNormalised(0.5), 1);
-    EXPECT_EQ(onOff.DisplayText(0), "Off");
-    for (const char* text : {"on", " YES ", "1"}) EXPECT_EQ(onOff.ParseDisplayText(text), 1.0);
-    for (const char* text : {"Off", "no", "0"}) EXPECT_EQ(onOff.ParseDisplayText(text), 0.0);
-    for (const char* text : {"", "2", "onn"}) EXPECT_FALSE(onOff.ParseDisplayText(text)) << text;
-
-    ParameterDefinition percent;
     percent.DefineFloat("k", "Wet", 0, 1, 0.5, "");
-    EXPECT_EQ(percent.DisplayText(0.5), "50.0%");
+    whole.DefineInt("k", "Count", -5, 5, 0);
+    formatted.DefineInt("k", "Count", -5, 5, 0);
+    formatted.format = "{0:02} st";
+    const struct {
+        const ParameterDefinition& record;
+        double value;
+        const char* shown;
+        std::vector<std::pair<const char*, double>> typed;
+        std::vector<const char*> refused;
+    } rows[] = {
+        {time, 0.25, "250 ms", {{"0.35 s", 0.35}, {"2 s", 0.5}}, {"fast"}},
+        {gain, 3, "+3.00 dB", {{"+3.00 dB", 3}, {"-6", -6}}, {"3 Hz"}},
+        {onOff,
+         0,
+         "Off",
+         {{"on", 1}, {" YES ", 1}, {"1", 1}, {"Off", 0}, {"no", 0}, {"0", 0}},
+         {"", "2", "onn"}},
+        {percent, 0.5, "50.0%", {{"75", 0.75}}, {"75 dB"}},
+        {whole, -3, "-3", {{"-2.9", -2}}, {"nan"}},
+        {formatted, 3, "03 st", {{"03 st", 3}}, {"x"}},
+        {formatted, kNaN, "nan st", {}, {}},
+    };
+    for (const auto& [record, value, shown, typed, refused] : rows) {
+        EXPECT_EQ(record.DisplayText(value), shown);
+        for (const auto& [text, read] : typed) {
+            EXPECT_EQ(record.ParseDisplayText(text), read) << text;
+        }
+        for (const char* text : refused) EXPECT_FALSE(record.ParseDisplayText(text)) << text;
+    }
+    EXPECT_EQ(gain.scale->GetDisplayText(), "0.00 dB");
     EXPECT_TRUE(percent.scale->ParseDisplayText("75"));
     EXPECT_EQ(percent.Value(), 0.75) << "the scale is bound to the value";
-
-    ParameterDefinition whole;
-    whole.DefineInt("k", "Count", -5, 5, 0);
-    EXPECT_EQ(whole.DisplayText(-3), "-3");
-    EXPECT_EQ(whole.ParseDisplayText("-2.9"), -2.0);
-    EXPECT_FALSE(whole.ParseDisplayText("nan"));
-    whole.format = "{0:02} st";
-    EXPECT_EQ(whole.DisplayText(3), "03 st");
-    EXPECT_EQ(whole.ParseDisplayText("03 st"), 3.0);
-    EXPECT_EQ(whole.DisplayText(kNaN), "nan st");
+    EXPECT_EQ(onOff.FromNormalised(0.4999), 0);
+    EXPECT_EQ(onOff.FromNormalised(0.5), 1);
 }
 
 TEST(ParameterDefinition, RedirectionStartsAtTheValueAndLeavesItAlone) {

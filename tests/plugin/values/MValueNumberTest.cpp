@@ -12,23 +12,6 @@
 #include <limits>
 #include <memory>
 
-TEST(MValueNumber, ShowsItsFormatAndReadsItBack) {
-    double value = -6;
-    MValueNumber<double> scale(value, MMakeValueLimits(-24.0, 24.0, 0.0), "{+0.2} dB");
-    EXPECT_EQ(scale.GetDisplayText(), "-6.00 dB");
-    EXPECT_EQ(scale.GetDisplayTextFrom01(1), "+24.00 dB");
-    for (const char* text : {"+3.00 dB", "3", "3db"}) {
-        value = 0;
-        EXPECT_TRUE(scale.ParseDisplayText(text)) << text;
-        EXPECT_EQ(value, 3) << text;
-        EXPECT_FALSE(scale.ParseDisplayText(text)) << "the same value again is no change";
-    }
-    for (const char* text : {"3 Hz", "dB", ""}) EXPECT_FALSE(scale.ParseDisplayText(text)) << text;
-    EXPECT_EQ(value, 3);
-    EXPECT_TRUE(scale.Edit("1000"));
-    EXPECT_EQ(value, 24) << "held within the limits";
-}
-
 TEST(MValueNumber, StepsWithinItsLimits) {
     double value = 5;
     MValueNumber<double> scale(value, {0, 10, 0.5, 2, 1});
@@ -47,7 +30,7 @@ TEST(MValueNumber, StepsWithinItsLimits) {
     EXPECT_EQ(value, 10);
 }
 
-TEST(MValueNumber, MapsPositionsAndTellsChanges) {
+TEST(MValueNumber, MapsPositionsAndTextsAndTellsChanges) {
     double value = 5;
     MValueNumber<double> scale(value, {0, 20, 1, 1, 7});
     EXPECT_EQ(scale.GetNormalised(), 0.25);
@@ -65,6 +48,16 @@ TEST(MValueNumber, MapsPositionsAndTellsChanges) {
     EXPECT_EQ(value, 7);
     const MValueNumber<double> point(value, {7, 7, 1, 1, 7});
     EXPECT_EQ(point.GetNormalised(), 0);
+
+    // Text: by its format, and typed within the limits.
+    MValueNumber<double> gain(value, MMakeValueLimits(-24.0, 24.0, 0.0), "{+0.2} dB");
+    EXPECT_EQ(gain.GetDisplayTextFrom01(1), "+24.00 dB");
+    EXPECT_TRUE(gain.ParseDisplayText("3db"));
+    EXPECT_FALSE(gain.ParseDisplayText("+3.00 dB")) << "the same value again is no change";
+    for (const char* text : {"4 Hz", "dB", ""}) EXPECT_FALSE(gain.ParseDisplayText(text)) << text;
+    EXPECT_EQ(gain.GetDisplayText(), "+3.00 dB");
+    EXPECT_TRUE(gain.Edit("1000"));
+    EXPECT_EQ(value, 24) << "held within the limits";
 }
 
 TEST(MValueNumber, IntegersStayExactAndWithinTheirType) {
