@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -28,10 +27,6 @@ void AddEntries(const fs::path& path, const std::string& name, int count) {
 }
 
 std::string Name(int writer) { return std::string(1, static_cast<char>('a' + writer)); }
-
-void Write(const fs::path& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
 
 std::string Nested(int depth) {
     std::string text = "<list>";
@@ -89,7 +84,7 @@ TEST(MXMLFile, SetsADamagedFileAsideAndGoesOn) {
         const Reports reports;
         const fs::path path = folder / "list.xml";
         for (const char* const aside : {"list.xml.damaged", "list.xml.damaged-2"}) {
-            Write(path, text);
+            folder.Write("list.xml", text);
             if (text == "grown below") fs::resize_file(path, MXMLFile::kLargest + 1);
             const auto size = fs::file_size(path);
             const MXMLFile file(path, "list");
@@ -108,7 +103,7 @@ TEST(MXMLFile, KeepsWhatItDoesNotKnowAndWhatItCannotRead) {
     const Reports reports;
     const fs::path path = folder / "list.xml";
     const MXMLFile file(path, "list");
-    Write(path, Nested(50));
+    folder.Write("list.xml", Nested(50));
     file.Update([](MXMLNode root) { root.SetAttribute("new", "1"); });
     int depth = 0;
     const MXMLTree tree = file.Read();

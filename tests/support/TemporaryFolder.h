@@ -2,7 +2,9 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
 #include <random>
+#include <sstream>
 #include <string>
 
 /// A folder of a test's own that is gone with it.
@@ -23,6 +25,15 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+
+    void Write(const std::string& name, const std::string& text) const {
+        std::ofstream(path_ / name, std::ios::binary) << text;
+    }
+    std::string Read(const std::string& name) const {
+        std::ostringstream text;
+        text << std::ifstream(path_ / name, std::ios::binary).rdbuf();
+        return text.str();
+    }
 
     /// How many files are in it, hidden ones included.
     int Files() const {

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 TEST(MFileSettings, KeepWhatIsSetInTwoFilesThatOthersShare) {
     const TemporaryFolder folder;
     const Reports reports;
@@ -25,7 +23,7 @@ TEST(MFileSettings, KeepWhatIsSetInTwoFilesThatOthersShare) {
     EXPECT_TRUE(std::filesystem::exists(folder / "GlobalConfiguration.xml"));
 
     // Where nothing can be written, a setting holds as long as its object; the failure is told.
-    std::ofstream(folder / "file") << "no folder";
+    folder.Write("file", "no folder");
     MFileSettings stranded(folder / "file");
     stranded.Set("key", 4);
     EXPECT_EQ(stranded.Get("key", 0), 4);

@@ -8,8 +8,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 #include <utility>
 
 using testing::ElementsAre;
@@ -23,28 +21,18 @@ std::string FactoryText() {
            "<preset name='Siren'><s v='2'/></preset></folder></plugin></presets>";
 }
 
-MPreset BarePreset(const std::string& content) {
+MPreset PresetOf(const std::string& content) {
     MPreset preset;
     preset.content = content;
     return preset;
 }
 
-MPreset Preset(const std::string& value) { return BarePreset("<s v='" + value + "'/>"); }
+MPreset Preset(int value) { return PresetOf("<s v='" + std::to_string(value) + "'/>"); }
 
 std::vector<std::string> Paths(MPresetLibrary& library) {
     std::vector<std::string> paths;
     for (const auto& entry : library.List()->entries) paths.push_back(entry.path);
     return paths;
-}
-
-void Write(const std::filesystem::path& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string ReadText(const std::filesystem::path& path) {
-    std::stringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
 }
 
 /// Holds the XML text it was given; the value 9 cannot be loaded.
@@ -71,12 +59,12 @@ TEST_F(MPresetLibraryTest, ShowsAtOnceWhatAnyInstanceSavesRenamesMovesAndDeletes
     EXPECT_THAT(listBefore->entries[0].preset->tags, ElementsAre("a", "b"));
     EXPECT_EQ(folder.Files(), 0);  // looking touches none
     const unsigned before = other.ChangeNumber();
-    library.Save("Mine/ Lead ", Preset("3"));
-    library.Save("mine/lead", Preset("4"));
+    library.Save("Mine/ Lead ", Preset(3));
+    library.Save("mine/lead", Preset(4));
     EXPECT_THAT(Paths(other), ElementsAre("Dub/Tape", "Dub/Siren", "Mine/lead"));
     EXPECT_GT(other.ChangeNumber(), before);
     EXPECT_EQ(listBefore->entries.size(), 2u);
-    other.Save("Mine/Pad", Preset("5"));
+    other.Save("Mine/Pad", Preset(5));
     library.Move("Mine/Lead", "Mine/LEAD");
     library.Move("Mine/Pad", "Deep/er/Pad");
     EXPECT_THAT(Paths(other), ElementsAre("Dub/Tape", "Dub/Siren", "Mine/LEAD", "Deep/er/Pad"));
@@ -88,39 +76,40 @@ TEST_F(MPresetLibraryTest, ShowsAtOnceWhatAnyInstanceSavesRenamesMovesAndDeletes
 }
 
 TEST_F(MPresetLibraryTest, RefusesWhatMakesNoSenseAndChangesNothing) {
-    library.Save("A/One", Preset("1"));
-    library.Save("Two", Preset("2"));
-    const std::string before = ReadText(folder / "presets.xml");
+    library.Save("A/One", Preset(1));
+    library.Save("Two", Preset(2));
+    const std::string before = folder.Read("presets.xml");
     const std::string longName(201, 'x');
     std::string deep = "x";
     for (int i = 0; i < 17; ++i) deep += "/x";
     for (const std::string& path : {std::string(), std::string("A/"), std::string("/A"),
                                     std::string("a\nb"), longName, deep}) {
-        EXPECT_THROW(library.Save(path, Preset("1")), MException) << path;
+        EXPECT_THROW(library.Save(path, Preset(1)), MException) << path;
     }
-    EXPECT_THROW(library.Save("Text", BarePreset("no XML")), MException);
+    EXPECT_THROW(library.Save("Text", PresetOf("no XML")), MException);
     EXPECT_THROW(library.Remove("Dub/Tape"), MException);
     EXPECT_THROW(library.Move("Dub/Tape", "Mine"), MException);
     EXPECT_THROW(library.Move("Two", "a/ONE"), MException);
-    EXPECT_EQ(ReadText(folder / "presets.xml"), before);
+    EXPECT_EQ(folder.Read("presets.xml"), before);
     // A folder that is moved into itself would be gone.
     library.Move("A", "A/B");
     EXPECT_THAT(Paths(library), testing::Contains("A/B/One"));
 }
 
 TEST_F(MPresetLibraryTest, MarksFavouritesOfBothTreesAndKeepsWhatItDoesNotKnow) {
-    Write(folder / "presets.xml",
-          "<presets later='1'><online/><plugin><folder name='A' colour='red'><preset name='One' "
-          "rating='5'><s/></preset><preset/><preset "
-          "name='a/b'><s/></preset></folder></plugin></presets>");
+    folder.Write(
+        "presets.xml",
+        "<presets later='1'><online/><plugin><folder name='A' colour='red'><preset name='One' "
+        "rating='5'><s/></preset><preset/><preset "
+        "name='a/b'><s/></preset></folder></plugin></presets>");
     library.SetFavourite(MPresetOrigin::Factory, "Dub/Siren", true);
     library.SetFavourite(MPresetOrigin::User, "A/One", true);
-    library.Save("A/One", Preset("7"));
+    library.Save("A/One", Preset(7));
     library.SetFavourite(MPresetOrigin::User, "A/One", true);
     std::vector<bool> marks;
     for (const auto& entry : other.List()->entries) marks.push_back(entry.isFavourite);
     EXPECT_THAT(marks, ElementsAre(false, true, true));
-    const std::string text = ReadText(folder / "presets.xml");
+    const std::string text = folder.Read("presets.xml");
     for (const char* const kept :
          {"later=\"1\"", "<online", "colour=\"red\"", "rating=\"5\"", "name=\"a/b\""}) {
         EXPECT_THAT(text, HasSubstr(kept));
@@ -130,7 +119,7 @@ TEST_F(MPresetLibraryTest, MarksFavouritesOfBothTreesAndKeepsWhatItDoesNotKnow) 
 }
 
 TEST_F(MPresetLibraryTest, ExchangesSinglePresetsAndRefusesOtherFiles) {
-    MPreset preset = Preset("3");
+    MPreset preset = Preset(3);
     preset.tags = {"x", "y"};
     preset.comment = "ä <&\"";
     library.Save("Mine/Lead", preset);
@@ -142,11 +131,11 @@ TEST_F(MPresetLibraryTest, ExchangesSinglePresetsAndRefusesOtherFiles) {
         *list->entries[static_cast<std::size_t>(list->Find("Mine/Lead 2"))].preset;
     EXPECT_EQ(copy.comment, preset.comment);
     EXPECT_EQ(copy.tags, preset.tags);
-    Write(folder / "State.xml", "<settings BandCount='2'/>");
+    folder.Write("State.xml", "<settings BandCount='2'/>");
     EXPECT_EQ(library.Import(folder / "State.xml", ""), "State");
     for (const char* const text :
          {"", "<preset name='x'/>", "<html><body/></html>", "<preset><s>"}) {
-        Write(folder / "bad.xml", text);
+        folder.Write("bad.xml", text);
         EXPECT_THROW(library.Import(folder / "bad.xml", ""), MException) << text;
     }
     EXPECT_THROW(library.Import(folder / "missing.xml", ""), MException);
@@ -154,7 +143,7 @@ TEST_F(MPresetLibraryTest, ExchangesSinglePresetsAndRefusesOtherFiles) {
 }
 
 TEST_F(MPresetLibraryTest, StepsRoundTheListAndOverWhatCannotBeLoaded) {
-    library.Save("Mine", Preset("3"));
+    library.Save("Mine", Preset(3));
     std::string target;
     MPresetManagerT<TextContent> manager(library, target);
     const std::pair<int, const char*> rows[] = {{1, "Dub/Tape"},    {-1, "Mine"}, {2, "Dub/Siren"},
@@ -165,7 +154,7 @@ TEST_F(MPresetLibraryTest, StepsRoundTheListAndOverWhatCannotBeLoaded) {
         EXPECT_EQ(manager.ActivePath(), path) << steps;
     }
     EXPECT_EQ(target, "<s v=\"2\" ");
-    library.Save("Mine", Preset("9"));
+    library.Save("Mine", Preset(9));
     EXPECT_THROW(manager.Load("Mine"), MException);
     manager.LoadPlace(0);
     EXPECT_EQ(manager.ActivePath(), "Dub/Tape");

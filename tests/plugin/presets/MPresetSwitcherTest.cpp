@@ -15,15 +15,11 @@
 TEST(MPresetSwitcher, MakesEveryStepOnceWithoutDelayingWhoAsks) {
     constexpr int kThreads = 4, kSteps = 2000;
     const Reports reports;
-    std::atomic<int> sum{0};
-    std::atomic<int> threadsThatPaid{0};
-    const std::thread::id audio = std::this_thread::get_id();
-    std::atomic<bool> wasElsewhere{true};
+    std::atomic<int> sum{0}, threadsThatPaid{0};
     {
         MPresetSwitcher switcher, neighbour;
         switcher.PostStep(7);  // before there is a worker
         switcher.SetStep([&](int steps) {
-            wasElsewhere = wasElsewhere && std::this_thread::get_id() != audio;
             sum += steps;
             throw MException("a step that fails is reported");
         });
@@ -45,7 +41,6 @@ TEST(MPresetSwitcher, MakesEveryStepOnceWithoutDelayingWhoAsks) {
         for (std::thread& thread : threads) thread.join();
         while (sum != kThreads * kSteps + 7) std::this_thread::yield();
     }
-    EXPECT_TRUE(wasElsewhere);
     EXPECT_EQ(threadsThatPaid, 0);
     EXPECT_FALSE(reports.texts.empty());
 }
