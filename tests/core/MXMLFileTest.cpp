@@ -19,14 +19,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void AddEntries(const fs::path& path, const std::string& name, int count) {
+void AddEntries(const fs::path& path, char name, int count) {
     const MXMLFile file(path, "list");
     for (int i = 0; i < count; ++i) {
         file.Update([&](MXMLNode root) { root.SetAttribute(name + std::to_string(i), "1"); });
     }
 }
-
-std::string Name(int writer) { return std::string(1, static_cast<char>('a' + writer)); }
 
 std::string Nested(int depth) {
     std::string text = "<list>";
@@ -38,33 +36,32 @@ std::string Nested(int depth) {
 }  // namespace
 
 TEST(MXMLFile, LosesNothingWhenThreadsAndProcessesWriteAtOnce) {
-    constexpr int kWriters = 4, kEntries = 25;
+    constexpr int kEntries = 25;
     const TemporaryFolder folder;
     const fs::path path = folder / "made/on the way/list.xml";
+    std::string writers = "abcd";
     std::vector<std::thread> threads;
 #ifndef _WIN32
     const pid_t child = fork();
     if (child == 0) {
-        AddEntries(path, Name(kWriters), kEntries);
+        AddEntries(path, 'p', kEntries);
         _exit(0);
     }
 #endif
-    for (int i = 0; i < kWriters; ++i) {
-        threads.emplace_back([&, i] { AddEntries(path, Name(i), kEntries); });
+    for (const char writer : writers) {
+        threads.emplace_back([&, writer] { AddEntries(path, writer, kEntries); });
     }
     for (std::thread& thread : threads) thread.join();
-    int writers = kWriters;
 #ifndef _WIN32
     int status = -1;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
-    ++writers;
+    writers += 'p';
 #endif
     const MXMLTree tree = MXMLFile(path, "list").Read();
-    for (int writer = 0; writer < writers; ++writer) {
+    for (const char writer : writers) {
         for (int i = 0; i < kEntries; ++i) {
-            const std::string name = Name(writer) + std::to_string(i);
-            EXPECT_TRUE(tree.Root().Attribute(name)) << name;
+            EXPECT_TRUE(tree.Root().Attribute(writer + std::to_string(i))) << writer << i;
         }
     }
     EXPECT_FALSE(fs::exists(folder / "made/on the way/list.xml.tmp"));

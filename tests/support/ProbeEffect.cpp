@@ -1,66 +1,90 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/ProbeEffect.h"
 
-#include "core/MText.h"
-#include "core/MXML.h"
+#include "plugin/MAudioEffectPlugin.h"
 #include "plugin/values/MValueTimeMS.h"
 
-#include <array>
 #include <atomic>
 #include <bit>
 #include <cmath>
-#include <cstddef>
 #include <limits>
 #include <memory>
+#include <string>
 
 namespace {
 
 ProbeEffect::Script theScript;
 ProbeEffect::Log theLog;
 
-class Probe {
+/// Counts one more, of which several threads may do; what it was before.
+int Count(int& number) noexcept { return std::atomic_ref(number).fetch_add(1); }
+
+class Probe final : public MAudioEffectPlugin {
 public:
     Probe() {
         records_[ProbeEffect::Delay].DefineFloat(
             "delay", "Delay", 0, 1, 0, ParameterText{MValueTimeMS::Format, MValueTimeMS::Parse});
         records_[ProbeEffect::Level].DefineFloat("level", "Level", 0, 10, 1, "{0;.3}");
         records_[ProbeEffect::Hold].DefineBool("hold", "Hold", false);
-        table_.definitions = records_.data();
-        table_.count = ProbeEffect::kRecords;
+        SetParameterTable(records_, ProbeEffect::kRecords);
     }
 
-    MEffectParameterTable* Table() { return &table_; }
-
-    void Save(MXMLNode node) const {
-        node.SetAttribute("probe", "saved");
-        for (const auto& record : records_) {
-            node.SetAttribute(record.key, MText::WriteNumber(record.Value()));
+    std::int64_t Dispatch(MEffectCommand command, const MEffectArguments* arguments) override {
+        const auto& values = arguments->values;
+        switch (command) {
+            case MEffectCommand::Destroy:
+                Count(theLog.destroyed);
+                return DispatchCommon(command, *arguments);
+            case MEffectCommand::InitEffectProcessing:
+                return InitEffectProcessing(values[0].integer, values[1].integer);
+            case MEffectCommand::ProcessEffect:
+                ProcessEffect(static_cast<const MTransport*>(values[0].pointer),
+                              static_cast<const float* const*>(values[1].pointer),
+                              static_cast<float* const*>(values[2].pointer),
+                              static_cast<int>(values[3].integer));
+                return 0;
+            case MEffectCommand::IsTailSilent:
+                return IsTailSilent() ? 1 : 0;
+            default:
+                return DispatchCommon(command, *arguments);
         }
     }
-    bool Load(const MXMLNode& node) {
-        for (auto& record : records_) {
-            if (const auto text = node.Attribute(record.key)) record.SetValue(std::stod(*text));
+
+    std::int64_t SetHostCallback(void* context, MEffectHostCallback callback) override {
+        theLog.context = context;
+        theLog.callback = callback;
+        return 0;
+    }
+    void ParameterChanged(std::int64_t index) override { theLog.changed.push_back(index); }
+    void UpdateProcessing() override {}
+    /// Fails where a value is no number, and not in the way that effects should.
+    bool LoadParameters(MXMLNode state) override {
+        for (const ParameterDefinition& record : records_) {
+            static_cast<void>(std::stod(state.Attribute(record.key).value_or("0")));
         }
-        return node.Attribute("probe").has_value();
+        return MAudioEffectPlugin::LoadParameters(state);
     }
 
-    void Prepare(int channels, int sampleRate) {
-        theLog.channels = channels;
-        theLog.sampleRate = sampleRate;
+    int InitEffectProcessing(std::int64_t channels, std::int64_t sampleRate) override {
+        theLog.channels = static_cast<int>(channels);
+        theLog.sampleRate = static_cast<int>(sampleRate);
         history_.assign(static_cast<std::size_t>(channels), {});
+        return theScript.prepareResult;
     }
 
-    void Process(const float* const* inputs, float* const* outputs, int frames) {
-        const auto delay = static_cast<std::size_t>(
-            std::llround(records_[ProbeEffect::Delay].Effective() * theLog.sampleRate));
+    void ProcessEffect(const MTransport* transport, const float* const* inputs,
+                       float* const* outputs, int frames) override {
+        theLog.transports.push_back(*transport);
+        theLog.blocks.push_back(frames);
+        if (theScript.inBlock != nullptr) theScript.inBlock();
         const auto level = static_cast<float>(records_[ProbeEffect::Level].Effective());
         const bool isHeld = records_[ProbeEffect::Hold].IsOn();
         for (std::size_t channel = 0; channel < history_.size(); ++channel) {
             auto& history = history_[channel];
             for (int i = 0; i < frames; ++i) {
                 history.push_back(inputs[channel][i]);
-                const bool reaches = history.size() > delay;
-                const float delayed = reaches ? history[history.size() - 1 - delay] : 0;
+                const bool reaches = history.size() > DelayFrames();
+                const float delayed = reaches ? history[history.size() - 1 - DelayFrames()] : 0;
                 outputs[channel][i] = isHeld ? 0.25f : level * delayed;
                 const auto frame = static_cast<std::int64_t>(history.size()) - 1;
                 if (theScript.notFiniteFrom >= 0 && frame >= theScript.notFiniteFrom) {
@@ -70,12 +94,10 @@ public:
         }
     }
 
-    bool IsSilent() const {
+    bool IsTailSilent() override {
         if (records_[ProbeEffect::Hold].IsOn()) return false;
-        const auto delay = static_cast<std::size_t>(
-            std::llround(records_[ProbeEffect::Delay].Effective() * theLog.sampleRate));
         for (const auto& history : history_) {
-            for (std::size_t i = 0; i < delay && i < history.size(); ++i) {
+            for (std::size_t i = 0; i < DelayFrames() && i < history.size(); ++i) {
                 if (history[history.size() - 1 - i] != 0) return false;
             }
         }
@@ -83,51 +105,14 @@ public:
     }
 
 private:
-    std::array<ParameterDefinition, ProbeEffect::kRecords> records_;
-    MEffectParameterTable table_;
-    std::vector<std::vector<float>> history_;  // [channels][frames since Prepare]
-};
-
-/// Counts one more, of which several threads may do; what it was before.
-int Count(int& number) noexcept { return std::atomic_ref(number).fetch_add(1); }
-
-std::int64_t Dispatch(Probe& probe, MEffectCommand command, const MEffectArguments& arguments) {
-    const auto& values = arguments.values;
-    switch (command) {
-        case MEffectCommand::SetHostCallback:
-            theLog.context = values[0].pointer;
-            theLog.callback = std::bit_cast<MEffectHostCallback>(values[1].pointer);
-            return 0;
-        case MEffectCommand::Destroy:
-            Count(theLog.destroyed);
-            std::default_delete<Probe>()(&probe);
-            return 0;
-        case MEffectCommand::GetParameterTable:
-            return std::bit_cast<std::int64_t>(probe.Table());
-        case MEffectCommand::ParameterChanged:
-            theLog.changed.push_back(values[0].integer);
-            return 0;
-        case MEffectCommand::SaveParameters:
-            probe.Save(*static_cast<MXMLNode*>(values[0].pointer));
-            return 0;
-        case MEffectCommand::LoadParameters:
-            return probe.Load(*static_cast<const MXMLNode*>(values[0].pointer)) ? 1 : 0;
-        case MEffectCommand::InitEffectProcessing:
-            probe.Prepare(static_cast<int>(values[0].integer), static_cast<int>(values[1].integer));
-            return theScript.prepareResult;
-        case MEffectCommand::ProcessEffect:
-            theLog.transports.push_back(*static_cast<const MTransport*>(values[0].pointer));
-            theLog.blocks.push_back(static_cast<int>(values[3].integer));
-            if (theScript.inBlock != nullptr) theScript.inBlock();
-            probe.Process(static_cast<const float* const*>(values[1].pointer),
-                          static_cast<float* const*>(values[2].pointer), theLog.blocks.back());
-            return 0;
-        case MEffectCommand::IsTailSilent:
-            return probe.IsSilent() ? 1 : 0;
-        default:
-            return 0;
+    std::size_t DelayFrames() const {
+        const double seconds = records_[ProbeEffect::Delay].Effective();
+        return static_cast<std::size_t>(std::llround(seconds * theLog.sampleRate));
     }
-}
+
+    ParameterDefinition records_[ProbeEffect::kRecords];
+    std::vector<std::vector<float>> history_;  // [channels][frames since the preparation]
+};
 
 void* Entry(void* object, void* command, void* arguments) {
     const auto number = static_cast<MEffectCommand>(std::bit_cast<std::int64_t>(command));
@@ -138,8 +123,8 @@ void* Entry(void* object, void* command, void* arguments) {
         object = std::make_unique<Probe>().release();
     }
     if (number == MEffectCommand::Create) return object;
-    return std::bit_cast<void*>(
-        Dispatch(*static_cast<Probe*>(object), number, *static_cast<MEffectArguments*>(arguments)));
+    return std::bit_cast<void*>(static_cast<Probe*>(object)->Dispatch(
+        number, static_cast<const MEffectArguments*>(arguments)));
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 #include <tuple>
 #include <vector>
 
@@ -19,22 +20,18 @@ using testing::ElementsAre;
 
 namespace {
 
-class Listener : public MParameterListener {
+/// Whom a parameter tells: its listener and its owner.
+class Notes : public MParameterListener, public MParameterOwner {
 public:
     void ParameterChanged(int index, std::uint32_t offset, double oldValue,
                           double newValue) noexcept override {
         calls.emplace_back(index, offset, oldValue, newValue);
     }
-
-    std::vector<std::tuple<int, std::uint32_t, double, double>> calls;
-};
-
-class Owner : public MParameterOwner {
-public:
     void PostChange(ParameterMainBase& parameter) noexcept override {
         posted.push_back(&parameter);
     }
 
+    std::vector<std::tuple<int, std::uint32_t, double, double>> calls;
     std::vector<ParameterMainBase*> posted;
 };
 
@@ -53,21 +50,20 @@ struct Shape {
 TEST(ParameterFloatT, TellsListenerAndOwnerOfWritesThatAreNotSilent) {
     ParameterDefinition record;
     record.DefineFloat("k", "Name", 0, 10, 5, "{0.1}");
-    Owner owner;
-    Listener listener;
-    ParameterFloatT<> parameter(record, {7, "B1 Name", "Band 1 - Name", &owner});
+    Notes notes;
+    ParameterFloatT<> parameter(record, {7, "B1 Name", "Band 1 - Name", &notes});
     parameter.SetNormalised(0, 0.1, false);  // nobody listens yet
-    parameter.SetListener(&listener, 3);
+    parameter.SetListener(&notes, 3);
     parameter.SetNormalised(0, 0.2, true);
     parameter.SetNormalised(2, 0.4, false);
-    EXPECT_FALSE(listener.TakeRefresh());
-    EXPECT_TRUE(owner.posted.empty());
+    EXPECT_FALSE(notes.TakeRefresh());
+    EXPECT_TRUE(notes.posted.empty());
     record.flags |= ParameterDefinition::kUpdateRequired;
     parameter.SetQueued(true);
     parameter.SetNormalised(0, 0.4, false);
-    EXPECT_TRUE(listener.TakeRefresh());
-    EXPECT_FALSE(listener.TakeRefresh());
-    EXPECT_THAT(owner.posted, ElementsAre(&parameter));
+    EXPECT_TRUE(notes.TakeRefresh());
+    EXPECT_FALSE(notes.TakeRefresh());
+    EXPECT_THAT(notes.posted, ElementsAre(&parameter));
 
     // While redirected the secondary value is written; the host sees the value itself.
     parameter.SetRedirect(0, true);
@@ -75,9 +71,8 @@ TEST(ParameterFloatT, TellsListenerAndOwnerOfWritesThatAreNotSilent) {
     EXPECT_EQ(record.Value(), 4);
     EXPECT_EQ(record.Effective(), 9);
     EXPECT_EQ(parameter.GetNormalised(0), 0.4);
-    EXPECT_THAT(listener.calls,
-                ElementsAre(std::tuple(3, 2u, 2.0, 4.0), std::tuple(3, 0u, 4.0, 4.0),
-                            std::tuple(3, 0u, 4.0, 9.0)));
+    EXPECT_THAT(notes.calls, ElementsAre(std::tuple(3, 2u, 2.0, 4.0), std::tuple(3, 0u, 4.0, 4.0),
+                                         std::tuple(3, 0u, 4.0, 9.0)));
 }
 
 TEST(ParameterFloatT, TypedTextChangesARecordWithATextFunctionOnly) {
@@ -97,30 +92,30 @@ TEST(ParameterFloatT, TypedTextChangesARecordWithATextFunctionOnly) {
 }
 
 TEST(ParameterMainBase, PlainValuesTakeTheFormOfTheirKindAndWhatIsNoNumberReachesNoRecord) {
-    ParameterDefinition records[5];
-    records[0].DefineFloat("k", "Name", 0, 10, 5, "{0.1}");
-    records[1].DefineInt("k", "Name", -10, 10, 5);
-    records[2].DefineEnum("k", "Name", {"A", "B", "C"}, 1);
-    records[3].DefineBool("k", "Name", true);
-    records[4].DefineGroup("k", "Name", true);
-    ParameterFloatT<> number(records[0], {});
-    ParameterIntT<> whole(records[1], {});
-    ParameterEnumT<> choice(records[2], {});
-    ParameterBoolT<> onOff(records[3], {});
-    ParameterGroupT<> group(records[4], {});
-    ParameterMainBase* const parameters[] = {&number, &whole, &choice, &onOff, &group};
-    const double written[] = {3.9, -3.9, 1.5, 0.4, 0.5}, held[] = {3.9, -3, 2, 0, 1};
-    for (int i = 0; i < 5; ++i) {
-        parameters[i]->SetPlainValue(written[i]);
-        parameters[i]->SetNormalised(0, std::numeric_limits<double>::quiet_NaN(), false);
-        parameters[i]->SetPlainValue(std::numeric_limits<double>::quiet_NaN());
-        EXPECT_EQ(records[i].Value(), held[i]) << i;
-        EXPECT_EQ(static_cast<int>(parameters[i]->Kind()), i + 1);
-        EXPECT_EQ(parameters[i]->Record(), &records[i]);
+    ParameterDefinition number, whole, choice, onOff, group;
+    number.DefineFloat("k", "Name", 0, 10, 5, "{0.1}");
+    whole.DefineInt("k", "Name", -10, 10, 5);
+    choice.DefineEnum("k", "Name", {"A", "B", "C"}, 1);
+    onOff.DefineBool("k", "Name", true);
+    group.DefineGroup("k", "Name", true);
+    const struct {
+        std::unique_ptr<ParameterMainBase> parameter;
+        double written, held;
+    } rows[] = {{std::make_unique<ParameterFloatT<>>(number, ParameterIdentity()), 3.9, 3.9},
+                {std::make_unique<ParameterIntT<>>(whole, ParameterIdentity()), -3.9, -3},
+                {std::make_unique<ParameterEnumT<>>(choice, ParameterIdentity()), 1.5, 2},
+                {std::make_unique<ParameterEnumT<>>(choice, ParameterIdentity()), -1e300, 0},
+                {std::make_unique<ParameterBoolT<>>(onOff, ParameterIdentity()), 0.4, 0},
+                {std::make_unique<ParameterGroupT<>>(group, ParameterIdentity()), 0.5, 1}};
+    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+    for (const auto& [parameter, written, held] : rows) {
+        parameter->SetPlainValue(written);
+        parameter->SetNormalised(0, kNaN, false);
+        parameter->SetPlainValue(kNaN);
+        EXPECT_EQ(parameter->Record()->Value(), held);
+        EXPECT_EQ(parameter->Kind(), parameter->Record()->kind);
     }
-    choice.SetPlainValue(-1e300);
-    EXPECT_EQ(records[2].Value(), 0);
-    EXPECT_EQ(choice.ParseValueName(0, "c"), 1);
+    EXPECT_EQ(rows[2].parameter->ParseValueName(0, "c"), 1);
 }
 
 TEST(ParameterObjectT, HoldsAnObjectThatOnlyTheStateReaches) {

@@ -80,8 +80,9 @@ TEST(MActivePresets, TravelWithTheProjectButNotWithAPreset) {
          "<settings Number='8'><ActivePresets CurrentPresetIndex='99'><Preset Index='-1'><s/>"
          "</Preset><Preset Index='8'><s/></Preset><Preset/></ActivePresets></settings>");
     EXPECT_EQ(copy.active.Current(), 0);
-    for (int slot = 1; slot < MActivePresets::kSlots; ++slot)
+    for (int slot = 1; slot < MActivePresets::kSlots; ++slot) {
         EXPECT_FALSE(copy.active.IsUsed(slot));
+    }
     EXPECT_THROW(MPluginPresetContent::Load(copy, "<presets/>"), MException);
     EXPECT_EQ(copy.number, 8);
 }

@@ -20,8 +20,7 @@ namespace {
 
 /// The two sides of "shown=meant".
 std::pair<std::string, std::string> Split(const std::string& row) {
-    const std::size_t equals = row.find('=');
-    return {row.substr(0, equals), row.substr(equals + 1)};
+    return {row.substr(0, row.find('=')), row.substr(row.find('=') + 1)};
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/render/ProbeProcessor.h"
+#include "tests/tools/render/Refusals.h"
 #include "tests/tools/render/RenderFiles.h"
 #include "tools/render/MRenderJob.h"
 
@@ -57,14 +58,8 @@ TEST(MMIDIFile, RefusesGarbageWithAReason) {
         {withTrack("\0\xF4"s), "no file may have"},
         {withTrack("\0\xFF\x51\x03\0\0\0"s), "infinitely fast"},
         {withTrack("\xFF\xFF\xFF\xFF\x7F"), "four bytes"}};
-    for (const auto& [bytes, reason] : rows) {
-        try {
-            MReadMIDI(bytes);
-            ADD_FAILURE() << "taken: " << reason;
-        } catch (const MRenderFailure& failure) {
-            EXPECT_THAT(failure.Text(), testing::HasSubstr(reason));
-        }
-    }
+    ExpectRefusals(
+        rows, [](const std::string& bytes) { MReadMIDI(bytes); }, MExitCode::File);
     std::mt19937 random(1);
     for (int i = 0; i < 20000; ++i) {
         std::string bytes = kSong;
@@ -85,6 +80,7 @@ public:
                  int frames) override {
         ProbeProcessor::Process(transport, inputs, outputs, frames);
         done += frames;
+        EXPECT_TRUE(events.empty() || events.back().first < done) << "beyond its block";
     }
 
     std::vector<std::pair<int, int>> events;
@@ -95,10 +91,7 @@ TEST(MMIDIFile, IsPlayedAtTheSampleWhateverTheBlocks) {
     const TemporaryFolder folder;
     WriteFloats(folder / "in.wav", {1, 1000}, std::vector<float>(1000));
     for (const int blockSize : {1, 64, 4096}) {
-        MRenderSettings settings;
-        settings.input = folder / "in.wav";
-        settings.output = folder / "out.wav";
-        settings.overwrite = true;
+        MRenderSettings settings = SettingsIn(folder);
         settings.blockSize = blockSize;
         settings.tail = {MTail::Kind::Seconds, 0.5};
         Listener listener;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/tools/render/Refusals.h"
 #include "tools/render/MModulationReader.h"
 #include "tools/render/MPluginProcessor.h"
-#include "tools/render/MRenderFailure.h"
 
 #include <gtest/gtest.h>
 
@@ -73,14 +73,7 @@ TEST_F(MModulationReaderTest, SaysWhatWouldBeUnderstood) {
         {"sine 1 Hz -> Band limit 1: 10 Hz .. 1 kHz", "does not take \"10 Hz\""},
         {"sine 1 Hz -> Delay: 1/8 .. 1/4", "does not move to \"1/8\""},
     };
-    for (const auto& [text, said] : rows) {
-        try {
-            Read(text);
-            ADD_FAILURE() << text;
-        } catch (const MRenderFailure& failure) {
-            EXPECT_NE(failure.Text().find(said), std::string::npos) << failure.Text();
-        }
-    }
+    ExpectRefusals(rows, [&](const char* text) { Read(text); });
 }
 
 }  // namespace

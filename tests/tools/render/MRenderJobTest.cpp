@@ -10,10 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
 #include <numeric>
 #include <random>
-#include <sstream>
 
 namespace {
 
@@ -21,13 +19,7 @@ constexpr int kRate = 8000;
 
 class MRenderJobTest : public testing::Test {
 protected:
-    MRenderSettings Settings() const {
-        MRenderSettings settings;
-        settings.input = folder_ / "in.wav";
-        settings.output = folder_ / "out.wav";
-        settings.overwrite = true;
-        return settings;
-    }
+    MRenderSettings Settings() const { return SettingsIn(folder_); }
 
     void WriteNoise(int channels, int frames) const {
         std::mt19937 generator(7);
@@ -38,12 +30,6 @@ protected:
     }
 
     std::vector<float> Output() const { return ReadAll(folder_ / "out.wav"); }
-
-    std::string OutputBytes() const {
-        std::ostringstream bytes;
-        bytes << std::ifstream(folder_ / "out.wav", std::ios::binary).rdbuf();
-        return bytes.str();
-    }
 
     TemporaryFolder folder_;
 };
@@ -69,77 +55,59 @@ TEST_F(MRenderJobTest, OutputDoesNotDependOnTheBlockSize) {
             settings.gainGuard = true;
             const MRenderSummary summary = MRenderJob(settings, plugin).Run();
             EXPECT_GT(summary.tailSeconds, MTailWatch::kQuietSeconds);
-            if (first.empty()) first = OutputBytes();
-            EXPECT_TRUE(OutputBytes() == first) << blockSize << " " << setup.count;
+            if (first.empty()) first = folder_.Read("out.wav");
+            EXPECT_TRUE(folder_.Read("out.wav") == first) << blockSize << " " << setup.count;
         }
     }
 }
 
-TEST_F(MRenderJobTest, EndsTheTailAfterTheLastEcho) {
-    for (const int channels : {1, 2, 5, 8}) {
-        WriteNoise(channels, 1000);
-        const std::vector<float> input = ReadAll(folder_ / "in.wav");
-        ProbeProcessor probe;
-        probe.SetParameter(ProbeEffect::Delay, 0.5);  // 4000 frames: a gap longer than the quiet
-        probe.SetParameter(ProbeEffect::Level, 0.5);
-        MRenderSettings settings = Settings();
-        const MRenderSummary summary = MRenderJob(settings, probe).Run();
-        const std::vector<float> output = Output();
-        // 3000 frames of gap, 1000 of echo, a quarter of a second of quiet after the last of them.
-        ASSERT_EQ(output.size(), static_cast<std::size_t>(channels) * (1000 + 4000 + 2000));
-        EXPECT_DOUBLE_EQ(summary.tailSeconds, 6000.0 / kRate);
-        for (std::size_t i = 0; i < input.size(); ++i) {
-            ASSERT_EQ(output[i], 0);
-            ASSERT_EQ(output[static_cast<std::size_t>(4000 * channels) + i], 0.5f * input[i]);
-        }
-    }
-}
-
-TEST_F(MRenderJobTest, TakesTheLatencyOutOfTheOutputAndStillEndsAfterTheLastEcho) {
+TEST_F(MRenderJobTest, EndsTheTailAfterTheLastEchoOrAsAskedAndTakesTheLatencyOut) {
     constexpr int kLatency = 3072;  // more than the quiet that ends a tail, and than one input
-    for (const int inputFrames : {100, 5000}) {
-        WriteNoise(2, inputFrames);
-        const std::vector<float> input = ReadAll(folder_ / "in.wav");
-        for (const auto tail : {MTail::Kind::None, MTail::Kind::Seconds, MTail::Kind::Auto}) {
-            for (const bool isCompensated : {true, false}) {
-                ProbeProcessor probe({}, kLatency);
-                MRenderSettings settings = Settings();
-                settings.compensatesLatency = isCompensated;
-                settings.tail = {tail, tail == MTail::Kind::Seconds ? 0.5 : 60};
-                const MRenderSummary summary = MRenderJob(settings, probe).Run();
-                const std::vector<float> output = Output();
-                const int quiet = static_cast<int>(MTailWatch::kQuietSeconds * kRate);
-                const int late = isCompensated ? 0 : kLatency;
-                const int tailFrames = tail == MTail::Kind::None      ? 0
-                                       : tail == MTail::Kind::Seconds ? kRate / 2
-                                                                      : late + quiet;
-                ASSERT_EQ(output.size(), 2 * static_cast<std::size_t>(inputFrames + tailFrames));
-                EXPECT_EQ(summary.latencyFrames, kLatency);
-                std::vector<float> expected(static_cast<std::size_t>(2 * late));
-                expected.insert(expected.end(), input.begin(), input.end());
-                expected.resize(output.size());
-                EXPECT_TRUE(output == expected) << inputFrames << " " << isCompensated;
-            }
+    constexpr int kQuiet = kRate / 4;
+    const MTail automatic = {MTail::Kind::Auto, 60}, none = {MTail::Kind::None, 60},
+                half = {MTail::Kind::Seconds, 0.5};
+    const struct {
+        int inputFrames, delay, latency;
+        bool isCompensated;
+        MTail tail;
+        int tailFrames;
+    } rows[] = {{1000, 4000, 0, true, automatic, 4000 + kQuiet},  // a gap longer than the quiet
+                {100, 0, kLatency, true, automatic, kQuiet},
+                {5000, 0, kLatency, false, automatic, kLatency + kQuiet},
+                {100, 0, kLatency, true, none, 0},
+                {5000, 0, kLatency, false, none, 0},
+                {100, 0, kLatency, false, half, kRate / 2},
+                {5000, 0, kLatency, true, half, kRate / 2}};
+    for (const auto& row : rows) {
+        for (const int channels : {1, 2, 5, 8}) {
+            WriteNoise(channels, row.inputFrames);
+            ProbeProcessor probe({}, row.latency);
+            probe.SetParameter(ProbeEffect::Delay, static_cast<double>(row.delay) / kRate);
+            MRenderSettings settings = Settings();
+            settings.compensatesLatency = row.isCompensated;
+            settings.tail = row.tail;
+            const MRenderSummary summary = MRenderJob(settings, probe).Run();
+            EXPECT_EQ(summary.latencyFrames, row.latency);
+            EXPECT_DOUBLE_EQ(summary.tailSeconds, static_cast<double>(row.tailFrames) / kRate);
+            std::vector<float> expected(static_cast<std::size_t>(channels) *
+                                        (row.delay + (row.isCompensated ? 0 : row.latency)));
+            const std::vector<float> input = ReadAll(folder_ / "in.wav");
+            expected.insert(expected.end(), input.begin(), input.end());
+            expected.resize(static_cast<std::size_t>(channels) *
+                            (row.inputFrames + row.tailFrames));
+            EXPECT_TRUE(Output() == expected) << row.inputFrames << " " << row.tailFrames;
         }
     }
 }
 
-TEST_F(MRenderJobTest, KeepsToTheTailThatWasAskedFor) {
+TEST_F(MRenderJobTest, CutsATailThatDoesNotEnd) {
     WriteNoise(2, 1000);
-    const std::tuple<MTail, bool, int, bool> rows[] = {
-        {{MTail::Kind::None, 60}, true, 0, false},
-        {{MTail::Kind::Seconds, 0.125}, false, 1000, false},
-        {{MTail::Kind::Auto, 0.25}, true, 2000, true},
-    };
-    for (const auto& [tail, isHeld, frames, wasCut] : rows) {
-        ProbeProcessor probe;
-        probe.SetParameter(ProbeEffect::Hold, isHeld ? 1 : 0);
-        MRenderSettings settings = Settings();
-        settings.tail = tail;
-        const MRenderSummary summary = MRenderJob(settings, probe).Run();
-        EXPECT_EQ(Output().size(), static_cast<std::size_t>(2 * (1000 + frames)));
-        EXPECT_EQ(summary.tailWasCut, wasCut);
-    }
+    ProbeProcessor probe;
+    probe.SetParameter(ProbeEffect::Hold, 1);
+    MRenderSettings settings = Settings();
+    settings.tail = {MTail::Kind::Auto, 0.25};
+    EXPECT_TRUE(MRenderJob(settings, probe).Run().tailWasCut);
+    EXPECT_EQ(Output().size(), 2 * (1000u + 2000u));
 }
 
 TEST_F(MRenderJobTest, AppliesTimedSettingsAtTheirVeryFrame) {
@@ -204,7 +172,7 @@ TEST_F(MRenderJobTest, GainGuardLowersOnlyWhatWouldClip) {
 
 TEST_F(MRenderJobTest, LeavesNothingBehindWhenProcessingFailsOrIsStopped) {
     WriteNoise(2, 5000);
-    std::ofstream(folder_ / "out.wav") << "older";
+    folder_.Write("out.wav", "older");
     const ProbeEffect::Script scripts[] = {
         {.prepareResult = 1}, {.notFiniteFrom = 3000}, {.notFiniteFrom = 5100}, {}};
     for (const ProbeEffect::Script& script : scripts) {
@@ -222,7 +190,7 @@ TEST_F(MRenderJobTest, LeavesNothingBehindWhenProcessingFailsOrIsStopped) {
             EXPECT_TRUE(isStopped);
         }
         EXPECT_EQ(folder_.Files(), 2);
-        EXPECT_EQ(OutputBytes(), "older");
+        EXPECT_EQ(folder_.Read("out.wav"), "older");
     }
 }
 

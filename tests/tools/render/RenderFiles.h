@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "tests/support/TemporaryFolder.h"
 #include "tools/render/MAudioFile.h"
+#include "tools/render/MRenderJob.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -14,6 +16,15 @@ inline void WriteFloats(const std::filesystem::path& path, const MAudioShape& sh
     MAudioWriter writer(path, shape, MSampleFormat::Float32, 1000000);
     writer.Write(std::span<const float>(samples));
     writer.Close();
+}
+
+/// A render of "in.wav" to "out.wav" that may stand there already.
+inline MRenderSettings SettingsIn(const TemporaryFolder& folder) {
+    MRenderSettings settings;
+    settings.input = folder / "in.wav";
+    settings.output = folder / "out.wav";
+    settings.overwrite = true;
+    return settings;
 }
 
 /// Every sample of the file, interleaved.
