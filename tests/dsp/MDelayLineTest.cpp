@@ -131,15 +131,15 @@ TEST(MDelayLine, StretchesPlacesInAMovementAndValuesAfterARest) {
 TEST(MDelayLine, ReadsOnlyWhatWasWrittenWhateverItsLengths) {
     std::mt19937 generator(3);
     Line delay(100);
-    std::vector<float> in(40, 0.5f), out(40);
-    for (int i = 0; i < 100; ++i) delay.line.Exchange(0.5f);
+    std::vector<float> in(40, 0.75f), out(40);
+    for (int i = 0; i < 100; ++i) delay.line.Exchange(0.75f);
     for (int change = 0; change < 20'000; ++change) {
         delay.Resize(Between(generator, 1, change < 10'000 ? 700 : 5000));
         const int count = Between(generator, 0, 3) * Between(generator, 0, 13);
         delay.line.Exchange(in.data(), out.data(), count);
-        for (int i = 0; i < count; ++i) ASSERT_FLOAT_EQ(out[i], 0.5f) << change;
-        ASSERT_FALSE(delay.line.IsBelow(0.5f));
-        ASSERT_TRUE(delay.line.IsBelow(0.5001f));
+        for (int i = 0; i < count; ++i) ASSERT_FLOAT_EQ(out[i], 0.75f) << change;
+        ASSERT_FALSE(delay.line.IsBelow(0.75f));
+        ASSERT_TRUE(delay.line.IsBelow(0.7501f));
     }
 }
 

@@ -95,7 +95,7 @@ TEST(MDelayAudioEffectPlugin, StartsFromSilenceAfterAPreparation) {
 }
 
 TEST(MDelayAudioEffectPlugin, IsDestroyedOnlyOnceARunningBlockIsThrough) {
-    constexpr std::int64_t kLength = 1 << 20;  // long enough to be met running
+    constexpr std::int64_t kLength = 1 << 22;  // long enough to be met running
     for (int round = 0; round < 10; ++round) {
         DelayEntry delay;
         delay.Prepare(1, kRate);

@@ -25,13 +25,18 @@ Difference Compare(unsigned seed, int channels, const MKernelSet& kernels, bool 
     std::mt19937 generator(seed);
     MDelayEngine engine(kernels);
     MReferenceDelay reference;
-    engine.Prepare(channels, kSampleRate);
-    reference.Prepare(channels, kSampleRate);
     MDelaySettings settings = DefaultDelaySettings();
     Difference difference;
     for (int block = 0; block < 60; ++block) {
+        // Prepared anew with the settings of the block before, for another rate.
+        if (block % 30 == 0) {
+            engine.Prepare(channels, kSampleRate + 100 * block);
+            reference.Prepare(channels, kSampleRate + 100 * block);
+        }
         // The even component of the saturation runs away from loud loops; keep those quiet.
-        settings = RandomDelaySettings(generator, settings, mayCurve ? 0.7 : 1.0);
+        if (block != 30) {
+            settings = RandomDelaySettings(generator, settings, mayCurve ? 0.7 : 1.0);
+        }
         if (!mayCurve) settings.saturation = 0;
         // Now and then a tempo whose notes are shorter than two samples, or none at all.
         double tempo = std::uniform_real_distribution<double>(60, 200)(generator);

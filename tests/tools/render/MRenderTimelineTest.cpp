@@ -30,7 +30,7 @@ TEST(MRenderTimeline, PutsEveryUnitOfTimeOnItsFrame) {
     const std::pair<MTimeUnit, double> rows[] = {
         {MTimeUnit::Seconds, 0.25}, {MTimeUnit::Samples, 250}, {MTimeUnit::Beats, 0.5}};
     for (const auto& [unit, time] : rows) {
-        const auto levels = LevelsOf({{unit, false, {{time, {{kParameter, 5}}}}}}, 400, 100);
+        const auto levels = LevelsOf({{unit, false, {{time, {{kParameter, 5}}}}}}, 400, 83);
         for (int i = 0; i < 400; ++i) ASSERT_EQ(levels[i], i < 250 ? 1 : 5) << i;
     }
 }
