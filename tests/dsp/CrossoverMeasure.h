@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MAnalogCrossover.h"
-#include "dsp/MLinearPhaseCrossover.h"
+#include "tests/support/Noise.h"
 #include "tests/support/Response.h"
 
-#include <array>
+#include <algorithm>
+#include <cmath>
 #include <complex>
-#include <random>
 #include <span>
 #include <vector>
 
@@ -16,36 +15,10 @@ namespace CrossoverMeasure {
 
 using Bands = std::vector<std::vector<double>>;
 
-inline std::vector<double> Noise(int count, unsigned seed) {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<double> uniform(-1, 1);
-    std::vector<double> samples(static_cast<std::size_t>(count));
-    for (double& sample : samples) sample = uniform(random);
-    return samples;
-}
-
 inline std::vector<double> Impulse(int count) {
     std::vector<double> samples(static_cast<std::size_t>(count));
     samples[0] = 1;
     return samples;
-}
-
-/// All bands of `input` through the fast form, in blocks of `block` frames; the right channel hears
-/// the input backwards in time so that crosstalk shows.
-inline Bands SplitAnalog(const MAnalogCrossover& crossover, MAnalogPairState& state,
-                         std::span<const double> input, int block) {
-    const std::vector<double> right(input.rbegin(), input.rend());
-    Bands bands(static_cast<std::size_t>(crossover.BandCount()), std::vector<double>(input.size()));
-    std::vector<double> scrap(input.size());
-    for (int first = 0; first < static_cast<int>(input.size()); first += block) {
-        const int frames = std::min(block, static_cast<int>(input.size()) - first);
-        std::array<MChannelPair, kMaxCrossoverBands> outputs{};
-        for (std::size_t i = 0; i < bands.size(); ++i) {
-            outputs[i] = {bands[i].data() + first, scrap.data() + first};
-        }
-        crossover.Split(state, input.data() + first, right.data() + first, outputs, frames);
-    }
-    return bands;
 }
 
 template <class Sample>

@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <limits>
 
 namespace {
 
@@ -26,12 +26,34 @@ std::vector<double> RandomLimits(std::mt19937& random, int bandCount) {
     return limits;
 }
 
-/// A crossover whose design is in use.
-struct Designed : MAnalogCrossover {
-    Designed(const std::vector<double>& limits, double sampleRate, Slope slope) {
+/// A crossover whose design is in use, and what two channels leave behind in it.
+struct Splitter : MAnalogCrossover {
+    Splitter(std::span<const double> limits, double sampleRate, Slope slope) {
+        Use(limits, sampleRate, slope);
+    }
+    void Use(std::span<const double> limits, double sampleRate, Slope slope) {
         Design(static_cast<int>(limits.size()) + 1, limits, sampleRate, slope);
         BeginBlock();
     }
+
+    /// All bands of `input` through the fast form, in blocks of `block` frames; the right channel
+    /// hears the input backwards in time so that crosstalk shows.
+    Bands Run(std::span<const double> input, int block) {
+        const std::vector<double> right(input.rbegin(), input.rend());
+        Bands bands(static_cast<std::size_t>(BandCount()), std::vector<double>(input.size()));
+        std::vector<double> scrap(input.size());
+        for (int first = 0; first < static_cast<int>(input.size()); first += block) {
+            const int frames = std::min(block, static_cast<int>(input.size()) - first);
+            std::array<MChannelPair, kMaxCrossoverBands> outputs{};
+            for (std::size_t i = 0; i < bands.size(); ++i) {
+                outputs[i] = {bands[i].data() + first, scrap.data() + first};
+            }
+            Split(state, input.data() + first, right.data() + first, outputs, frames);
+        }
+        return bands;
+    }
+
+    MAnalogPairState state;
 };
 
 TEST(MAnalogCrossover, SumOfAllBandsIsFlatAndHasThePhaseOfTheAllPasses) {
@@ -48,17 +70,16 @@ TEST(MAnalogCrossover, SumOfAllBandsIsFlatAndHasThePhaseOfTheAllPasses) {
         for (const Slope slope : kSlopes) {
             // With more points the first-order all-passes of 12 dB/oct only come near their phase.
             if (slope == Slope::Slope12 && limits.size() > 1) continue;
-            MAnalogPairState state, unsplit;
-            const Designed crossover(limits, sampleRate, slope);
+            Splitter crossover(limits, sampleRate, slope);
             std::vector<double> passed = Impulse(count);
-            const auto sum = Sum(SplitAnalog(crossover, state, passed, 4096));
+            const auto sum = Sum(crossover.Run(passed, 4096));
             for (const double frequency : Frequencies(10, 0.499 * sampleRate, 23)) {
                 EXPECT_LE(std::abs(Decibels(ResponseAt(sum, frequency, sampleRate))), 1e-5)
                     << static_cast<int>(slope) << ", " << limits.size() << " limits from "
                     << limits[0] << " at " << frequency;
             }
             if (slope == Slope::Slope12) continue;
-            crossover.RunAllPasses(unsplit, {passed.data(), passed.data()}, count);
+            crossover.RunAllPasses(crossover.state, {passed.data(), passed.data()}, count);
             EXPECT_LE(LargestDifference(sum, passed), 1e-5) << static_cast<int>(slope);
         }
     }
@@ -73,13 +94,10 @@ TEST(MAnalogCrossover, FastAndPlainFormEqualTheTranscriptionForAnySettings) {
             std::vector<double> limits = RandomLimits(random, bandCount);
             for (double& limit : limits) limit = std::min(limit, 0.49 * sampleRate);
             if (bandCount == 6) std::swap(limits[1], limits[3]);  // as they come
-            const std::vector<double> noise = Noise(6000, 40);
-            const int block = anyBlock(random);
-
-            MAnalogPairState pair;
+            const std::vector<double> noise = WhiteNoise<double>(6000, 40);
             MAnalogChannelState channel;
-            const Designed crossover(limits, sampleRate, slope);
-            const Bands fast = SplitAnalog(crossover, pair, noise, block);
+            Splitter crossover(limits, sampleRate, slope);
+            const Bands fast = crossover.Run(noise, anyBlock(random));
             MAnalogTranscription transcription(limits, sampleRate, static_cast<int>(slope));
             std::vector<double> plain(noise.size()), wanted(noise.size());
             for (int band = 0; band < bandCount; ++band) {
@@ -98,13 +116,11 @@ TEST(MAnalogCrossover, NothingIsUnstableAtAnyRateWithAnyLimits) {
                                              {20000, 30000, 1e6, HUGE_VAL, 1e300},
                                              {15000, 50, 9000, 20, 3000},
                                              {-HUGE_VAL, 0, 1, 2, 3}};
-    const std::vector<double> noise = Noise(20000, 9);
+    const std::vector<double> noise = WhiteNoise<double>(20000, 9);
     for (const double sampleRate : {1.0, 8000.0, 48000.0, 768000.0, 1e9}) {
         for (const auto& limits : limitRows) {
             for (const Slope slope : kSlopes) {
-                const Designed crossover(limits, sampleRate, slope);
-                MAnalogPairState state;
-                EXPECT_LT(Peak(SplitAnalog(crossover, state, noise, 512)), 30)
+                EXPECT_LT(Peak(Splitter(limits, sampleRate, slope).Run(noise, 512)), 30)
                     << sampleRate << " " << limits[0];
             }
         }
@@ -114,30 +130,27 @@ TEST(MAnalogCrossover, NothingIsUnstableAtAnyRateWithAnyLimits) {
 TEST(MAnalogCrossover, StaysBoundedWhileAllLimitsJumpAndForgetsTheJumps) {
     std::mt19937 random(13);
     std::uniform_real_distribution<double> pitch(std::log(20.0), std::log(20000.0));
-    const std::vector<double> noise = Noise(64, 14), silence(1 << 17);
+    const std::vector<double> noise = WhiteNoise<double>(64, 14), silence(1 << 17);
     for (const Slope slope : kSlopes) {
-        MAnalogCrossover crossover;
-        MAnalogPairState state;
+        std::array<double, 5> limits = {100, 200, 400, 800, 1600};
+        Splitter crossover(limits, 48000, slope);
         for (int block = 0; block < 3000; ++block) {
-            double limits[5];
             for (double& limit : limits) limit = std::exp(pitch(random));  // in any order
-            crossover.Design(6, limits, 48000, slope);
-            crossover.BeginBlock();
+            crossover.Use(limits, 48000, slope);
             // Read as they stand, the filters' memories would reach 1e8 here.
-            ASSERT_LT(Peak(SplitAnalog(crossover, state, noise, 64)), 50) << block;
+            ASSERT_LT(Peak(crossover.Run(noise, 64)), 50) << block;
         }
-        SplitAnalog(crossover, state, silence, 4096);
-        EXPECT_LT(Peak(SplitAnalog(crossover, state, noise, 64)), 4) << static_cast<int>(slope);
+        crossover.Run(silence, 4096);
+        EXPECT_LT(Peak(crossover.Run(noise, 64)), 4) << static_cast<int>(slope);
     }
 }
 
 TEST(MAnalogCrossover, WhatCannotBeDesignedThrowsAndLeavesTheDesign) {
     const double nan = std::nan("");
     const std::vector<double> limits = {100, 200, 400, 800, 1600}, bad = {100, nan, 400, 800, 1600};
-    const std::vector<double> noise = Noise(1000, 4);
-    Designed crossover({500, 5000}, 48000, Slope::Slope24);
-    MAnalogPairState before, after;
-    const Bands wanted = SplitAnalog(crossover, before, noise, 100);
+    const std::vector<double> noise = WhiteNoise<double>(1000, 4);
+    Splitter crossover(std::vector<double>{500, 5000}, 48000, Slope::Slope24);
+    const Bands wanted = crossover.Run(noise, 100);
     const struct {
         int bands;
         std::vector<double> limits;
@@ -153,7 +166,8 @@ TEST(MAnalogCrossover, WhatCannotBeDesignedThrowsAndLeavesTheDesign) {
             << bands << " bands, rate " << rate << ", slope " << slope;
     }
     crossover.BeginBlock();
-    EXPECT_EQ(SplitAnalog(crossover, after, noise, 100), wanted);
+    crossover.state.Reset();
+    EXPECT_EQ(crossover.Run(noise, 100), wanted);
     EXPECT_NO_THROW(crossover.Design(2, bad, 48000, Slope::Slope24)) << "one limit is used";
 }
 
@@ -163,33 +177,28 @@ TEST(MAnalogCrossover, RedesignKeepsTheMemoryOfTheFilters) {
         sine[i] = std::sin(2 * std::numbers::pi * 300 / 48000 * static_cast<double>(i));
     }
     for (const Slope slope : kSlopes) {
-        Designed undisturbed({300, 1000, 3000}, 48000, slope);
-        MAnalogPairState whole;
-        const Bands wanted = SplitAnalog(undisturbed, whole, sine, 64);
+        std::array<double, 3> limits = {300, 1000, 3000};
+        const Bands wanted = Splitter(limits, 48000, slope).Run(sine, 64);
         // A limit moved by a hundredth moves the sound by little from the first sample on.
         for (const auto& [limit, error] : {std::pair(300.0, 0.0), {303.0, 0.02}}) {
-            Designed redesigned({300, 1000, 3000}, 48000, slope);
-            MAnalogPairState state;
-            SplitAnalog(redesigned, state, std::span(sine).first(4096), 64);
-            redesigned.Design(4, std::vector<double>{limit, 1000, 3000}, 48000, slope);
-            redesigned.BeginBlock();
-            const Bands after = SplitAnalog(redesigned, state, std::span(sine).last(4096), 64);
+            limits[0] = 300;
+            Splitter redesigned(limits, 48000, slope);
+            redesigned.Run(std::span(sine).first(4096), 64);
+            limits[0] = limit;
+            redesigned.Use(limits, 48000, slope);
+            const Bands after = redesigned.Run(std::span(sine).last(4096), 64);
             for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(after[i][0], wanted[i][4096], error);
         }
     }
 }
 
 TEST(MAnalogCrossover, FiltersThatAreAddedStartFromSilence) {
-    const std::vector<double> silence(512);
-    std::vector<double> loud(512, 1.0);
-    MAnalogCrossover crossover;
-    MAnalogPairState pair;
+    const std::vector<double> silence(512), loud(512, 1.0), limits = {60, 120, 240, 480, 960};
+    Splitter crossover(limits, 48000, Slope::Slope120);
     MAnalogChannelState channel;
-    const double limits[] = {60, 120, 240, 480, 960};
     const auto run = [&](int bands, Slope slope, const std::vector<double>& input) {
-        crossover.Design(bands, limits, 48000, slope);
-        crossover.BeginBlock();
-        Bands all = SplitAnalog(crossover, pair, input, 512);
+        crossover.Use(std::span(limits).first(bands - 1), 48000, slope);
+        Bands all = crossover.Run(input, 512);
         for (int band = 0; band < bands; ++band) {
             all.emplace_back(512);
             crossover.ProcessBand(channel, band, input.data(), all.back().data(), 512);
@@ -203,16 +212,12 @@ TEST(MAnalogCrossover, FiltersThatAreAddedStartFromSilence) {
 }
 
 TEST(MAnalogCrossover, RecoversFromWhatIsNotANumber) {
-    const Designed crossover({100, 1000}, 48000, Slope::Slope24);
-    MAnalogPairState state;
-    std::vector<double> broken(256, std::numeric_limits<double>::quiet_NaN());
-    SplitAnalog(crossover, state, broken, 256);
-    crossover.RunAllPasses(state, {broken.data(), broken.data()}, 256);
-    std::vector<double> noise = Noise(256, 1);
-    for (const auto& band : SplitAnalog(crossover, state, noise, 256)) {
-        EXPECT_TRUE(std::isfinite(band.back()));
-    }
-    crossover.RunAllPasses(state, {noise.data(), noise.data()}, 256);
+    Splitter crossover(std::vector<double>{100, 1000}, 48000, Slope::Slope24);
+    std::vector<double> broken(256, std::nan("")), noise = WhiteNoise<double>(256, 1);
+    crossover.Run(broken, 256);
+    crossover.RunAllPasses(crossover.state, {broken.data(), broken.data()}, 256);
+    for (const auto& band : crossover.Run(noise, 256)) EXPECT_TRUE(std::isfinite(band.back()));
+    crossover.RunAllPasses(crossover.state, {noise.data(), noise.data()}, 256);
     EXPECT_TRUE(std::isfinite(noise.back()));
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/MDelayLine.h"
+#include "tests/support/Noise.h"
 
 #include <gtest/gtest.h>
 
@@ -24,14 +25,6 @@ struct Line {
         return content;
     }
 };
-
-std::vector<float> Noise(int count, std::mt19937::result_type seed) {
-    std::mt19937 generator(seed);
-    std::uniform_real_distribution<float> uniform(-1, 1);
-    std::vector<float> samples(static_cast<std::size_t>(count));
-    for (float& sample : samples) sample = uniform(generator);
-    return samples;
-}
 
 /// Samples and the places, in samples from the oldest, where they lie.
 class PlainLine {
@@ -108,7 +101,7 @@ TEST(MDelayLine, StretchesPlacesInAMovementAndValuesAfterARest) {
             int rest = Between(generator, 1, longest);
             // Long lines now and then rest while they are still being read.
             if (isLong && block % 4 == 0) rest += MDelayWarp::kMovement;
-            std::vector<float> out = Noise(rest, generator());
+            std::vector<float> out = WhiteNoise(rest, generator());
             const std::vector<float> in = out;
             // By pieces and sample by sample.
             const int pieces = Between(generator, 0, rest);

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 
 namespace {
@@ -15,33 +16,33 @@ constexpr int kDelay = MLinearPhaseCrossover::kDelay;
 
 using FloatBands = std::vector<std::vector<float>>;
 
-std::vector<float> Floats(const std::vector<double>& samples) {
-    return {samples.begin(), samples.end()};
-}
-
-struct Designed : MLinearPhaseCrossover {
-    Designed(const std::vector<double>& limits, double sampleRate, bool fixedQ) {
+/// A crossover whose design is in use, and what one channel leaves behind in it.
+struct Splitter : MLinearPhaseCrossover {
+    Splitter(std::span<const double> limits, double sampleRate, bool fixedQ) {
+        Use(limits, sampleRate, fixedQ);
+    }
+    void Use(std::span<const double> limits, double sampleRate, bool fixedQ) {
         Design(static_cast<int>(limits.size()) + 1, limits, sampleRate, fixedQ);
         BeginBlock();
     }
-};
 
-/// All bands of `input`, in blocks whose sizes come from `blocks` by turns.
-FloatBands SplitLinear(const MLinearPhaseCrossover& crossover, MLinearPhaseChannelState& state,
-                       const std::vector<float>& input, const std::vector<int>& blocks,
-                       std::span<const MRampEnds> gains = {}) {
-    FloatBands bands(static_cast<std::size_t>(crossover.BandCount()),
-                     std::vector<float>(input.size()));
-    const int count = static_cast<int>(input.size());
-    for (int first = 0, turn = 0; first < count; ++turn) {
-        const int block = std::min(blocks[turn % blocks.size()], count - first);
-        std::vector<float*> outputs;
-        for (auto& band : bands) outputs.push_back(band.data() + first);
-        crossover.Split(state, input.data() + first, gains, outputs, block);
-        first += block;
+    /// All bands of `input`, in blocks whose sizes come from `blocks` by turns.
+    FloatBands Run(const std::vector<float>& input, const std::vector<int>& blocks,
+                   std::span<const MRampEnds> gains = {}) {
+        FloatBands bands(static_cast<std::size_t>(BandCount()), std::vector<float>(input.size()));
+        const int count = static_cast<int>(input.size());
+        for (int first = 0, turn = 0; first < count; ++turn) {
+            const int block = std::min(blocks[turn % blocks.size()], count - first);
+            std::vector<float*> outputs;
+            for (auto& band : bands) outputs.push_back(band.data() + first);
+            Split(state, input.data() + first, gains, outputs, block);
+            first += block;
+        }
+        return bands;
     }
-    return bands;
-}
+
+    MLinearPhaseChannelState state;
+};
 
 /// The largest difference of the bands' sum from the delayed input, in decibels of full scale.
 double SumError(const FloatBands& bands, const std::vector<float>& input) {
@@ -62,9 +63,7 @@ TEST(MLinearPhaseCrossover, BandsAndTheirSumErrByTheAttenuationWhereLimitsAreATr
         // In the hybrid form the kernels of neighbours differ in length, and their ripples add up.
         for (const bool fixedQ : {false, true}) {
             if (fixedQ && limits.back() < 1.5 * limits[0]) continue;
-            const Designed crossover(limits, 48000, fixedQ);
-            MLinearPhaseChannelState state;
-            const FloatBands bands = SplitLinear(crossover, state, impulse, {1000});
+            const FloatBands bands = Splitter(limits, 48000, fixedQ).Run(impulse, {1000});
             const std::vector<double> sum = Sum(bands);
             for (const double frequency : Frequencies(5, 23999, 400)) {
                 EXPECT_LE(Decibels(ResponseAt(sum, frequency, 48000, kDelay) - 1.0),
@@ -86,29 +85,26 @@ TEST(MLinearPhaseCrossover, BandsAndTheirSumErrByTheAttenuationWhereLimitsAreATr
 }
 
 TEST(MLinearPhaseCrossover, AnyMixtureOfBlocksGivesTheSameBitsAtTheSameDelay) {
-    const std::vector<float> noise = Floats(Noise(140000, 22));
-    const Designed crossover({200, 2000, 9000}, 48000, false);
-    MLinearPhaseChannelState whole;
-    const FloatBands wanted = SplitLinear(crossover, whole, noise, {65536});
+    const std::vector<float> noise = WhiteNoise(140000, 22);
+    const double limits[] = {200, 2000, 9000};
+    const FloatBands wanted = Splitter(limits, 48000, false).Run(noise, {65536});
     EXPECT_LE(SumError(wanted, noise), -75);
     const std::vector<int> rows[] = {{1},    {64},   {2047},
                                      {2048}, {2049}, {1, 65536, 3, 2048, 511, 4096, 1, 1}};
     for (const auto& blocks : rows) {
-        MLinearPhaseChannelState state;
-        EXPECT_EQ(SplitLinear(crossover, state, noise, blocks), wanted) << blocks[0];
+        EXPECT_EQ(Splitter(limits, 48000, false).Run(noise, blocks), wanted) << blocks[0];
     }
 }
 
 TEST(MLinearPhaseCrossover, GainsActBeforeTheFilters) {
-    const std::vector<float> noise = Floats(Noise(12000, 24));
-    const Designed crossover({400, 4000}, 48000, false);
+    const std::vector<float> noise = WhiteNoise(12000, 24);
+    Splitter crossover(std::vector<double>{400, 4000}, 48000, false);
     // Standing and moving, and changing within a block of the convolution.
     const std::array<MRampEnds, 3> rows[] = {{{{0.5, 0.5}, {2, 2}, {1, 1}}},
                                              {{{0, 1}, {1, 0.25}, {0.3, 0.3}}}};
-    MLinearPhaseChannelState state;
     std::array<MLinearPhaseChannelState, 3> alone;
     for (const auto& gains : rows) {
-        const FloatBands bands = SplitLinear(crossover, state, noise, {12000}, gains);
+        const FloatBands bands = crossover.Run(noise, {12000}, gains);
         for (int band = 0; band < 3; ++band) {
             std::vector<float> wanted(noise.size());
             const double step = (gains[band].to - gains[band].from) / 12000;
@@ -125,23 +121,16 @@ TEST(MLinearPhaseCrossover, GainsActBeforeTheFilters) {
 }
 
 TEST(MLinearPhaseCrossover, AddedBandsStartFromSilenceInStepWithTheOthers) {
-    MLinearPhaseCrossover crossover;
-    MLinearPhaseChannelState state;
-    const double limits[] = {100, 300, 1000, 3000, 9000};
-    const std::vector<float> noise = Floats(Noise(3333, 25)), silence(9000);
-    for (const int bands : {6, 2}) {
-        crossover.Design(bands, limits, 48000, false);
-        crossover.BeginBlock();
-        SplitLinear(crossover, state, noise, {100});
-        if (bands == 2) SplitLinear(crossover, state, silence, {77});
-    }
-    crossover.Design(6, limits, 48000, false);
-    crossover.BeginBlock();
-    for (const auto& band : SplitLinear(crossover, state, silence, {77})) {
-        EXPECT_EQ(band, std::vector<float>(9000, 0.0f));
-    }
-    const std::vector<float> more = Floats(Noise(9000, 26));
-    EXPECT_LE(SumError(SplitLinear(crossover, state, more, {77}), more), -30);
+    const std::vector<double> six = {100, 300, 1000, 3000, 9000}, two = {100};
+    const std::vector<float> silence(9000), more = WhiteNoise(9000, 26);
+    Splitter crossover(six, 48000, false);
+    crossover.Run(WhiteNoise(3333, 25), {100});
+    crossover.Use(two, 48000, false);
+    crossover.Run(WhiteNoise(3333, 25), {100});
+    crossover.Run(silence, {77});
+    crossover.Use(six, 48000, false);
+    for (const auto& band : crossover.Run(silence, {77})) EXPECT_EQ(band, silence);
+    EXPECT_LE(SumError(crossover.Run(more, {77}), more), -30);
 }
 
 TEST(MLinearPhaseCrossover, IsFiniteForAnyLimitsAndRefusesNonsense) {
@@ -151,13 +140,12 @@ TEST(MLinearPhaseCrossover, IsFiniteForAnyLimitsAndRefusesNonsense) {
     for (const double sampleRate : {1.0, 8000.0, 768000.0}) {
         for (const auto& limits : limitRows) {
             for (const bool fixedQ : {false, true}) {
-                Designed crossover(limits, sampleRate, fixedQ);
+                Splitter crossover(limits, sampleRate, fixedQ);
                 EXPECT_THROW(crossover.Design(7, limits, sampleRate, fixedQ), MException);
                 EXPECT_THROW(crossover.Design(2, {&nan, 1}, sampleRate, fixedQ), MException);
                 EXPECT_THROW(crossover.Design(2, limits, 0, fixedQ), MException);
                 crossover.BeginBlock();
-                MLinearPhaseChannelState state;
-                const auto bands = SplitLinear(crossover, state, Floats(Noise(9000, 27)), {999});
+                const auto bands = crossover.Run(WhiteNoise(9000, 27), {999});
                 EXPECT_EQ(bands.size(), 6u);
                 for (const auto& band : bands) {
                     for (const float sample : band) ASSERT_LT(std::abs(sample), 20);

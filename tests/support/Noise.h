@@ -1,8 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <random>
 #include <vector>
+
+/// White noise of full scale, the same for the same seed.
+template <class Sample = float>
+std::vector<Sample> WhiteNoise(int count, std::mt19937::result_type seed) {
+    std::mt19937 generator(seed);
+    std::uniform_real_distribution<Sample> uniform(-1, 1);
+    std::vector<Sample> samples(static_cast<std::size_t>(count));
+    for (Sample& sample : samples) sample = uniform(generator);
+    return samples;
+}
 
 /// Channels of sound, [channels][samples], with the pointers that the engine wants.
 class Channels {

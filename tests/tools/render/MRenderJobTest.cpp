@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/Noise.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/render/ProbeProcessor.h"
 #include "tests/tools/render/RenderFiles.h"
@@ -10,8 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <numeric>
-#include <random>
 
 namespace {
 
@@ -22,10 +21,8 @@ protected:
     MRenderSettings Settings() const { return SettingsIn(folder_); }
 
     void WriteNoise(int channels, int frames) const {
-        std::mt19937 generator(7);
-        std::uniform_real_distribution<float> level(-0.5f, 0.5f);
-        std::vector<float> samples(static_cast<std::size_t>(channels) * frames);
-        for (float& sample : samples) sample = level(generator);
+        std::vector<float> samples = WhiteNoise(channels * frames, 7);
+        for (float& sample : samples) sample /= 2;
         WriteFloats(folder_ / "in.wav", {channels, kRate}, samples);
     }
 
