@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/LockWaitCounter.h"
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define SANITIZED
-#endif
-#endif
+#include "tests/support/Sanitized.h"
 
-#if defined(__linux__) && !defined(SANITIZED) && !defined(__SANITIZE_ADDRESS__) && \
-    !defined(__SANITIZE_THREAD__)
+#if defined(__linux__) && !M_SANITIZED
 #define COUNTS 1
 #else
 #define COUNTS 0

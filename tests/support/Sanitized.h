@@ -3,13 +3,14 @@
 
 /// Whether a sanitizer watches this build and makes it many times slower.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr bool kIsSanitized = true;
+#define M_SANITIZED 1
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-inline constexpr bool kIsSanitized = true;
-#else
-inline constexpr bool kIsSanitized = false;
+#define M_SANITIZED 1
 #endif
-#else
-inline constexpr bool kIsSanitized = false;
 #endif
+#ifndef M_SANITIZED
+#define M_SANITIZED 0
+#endif
+
+inline constexpr bool kIsSanitized = M_SANITIZED != 0;
