@@ -13,6 +13,9 @@
 class DelayEntry {
 public:
     DelayEntry() : object_(MDelayAudioEffectPluginInterface(nullptr, Number(7), nullptr)) {}
+    DelayEntry(std::int64_t channels, std::int64_t sampleRate) : DelayEntry() {
+        Prepare(channels, sampleRate);
+    }
     ~DelayEntry() { Destroy(); }
     DelayEntry(const DelayEntry&) = delete;
     DelayEntry& operator=(const DelayEntry&) = delete;

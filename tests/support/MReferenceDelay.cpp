@@ -131,6 +131,7 @@ void MReferenceDelay::Process(const MDelaySettings& settings, double tempo,
     for (int c = 0; c < channels_; ++c) {
         std::fill_n(outputs[c], count, 0.0f);
         filtered.emplace_back(inputs[c], inputs[c] + count);
+        for (float& sample : filtered.back()) sample = std::isfinite(sample) ? sample : 0.0f;
         if (settings.filtersFeedback) continue;
         for (float& sample : filtered.back()) {
             double x = static_cast<double>(sample);

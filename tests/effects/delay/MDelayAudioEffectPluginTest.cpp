@@ -79,26 +79,10 @@ TEST(MDelayAudioEffectPlugin, TellsItsOwnerOnceWhenSynchronisationTakesTheDelayO
     }
 }
 
-TEST(MDelayAudioEffectPlugin, StartsFromSilenceAfterAPreparation) {
-    DelayEntry delay;
-    delay.Record(15).SetValue(1);
-    delay.Record(3).SetValue(3);
-    for (const int channels : {2, 8, 1, 3, 2}) {
-        delay.Prepare(channels, kRate);
-        delay.Process(Constant(channels, 7000, 1));
-        EXPECT_EQ(delay.Send(102), 0);
-        delay.Prepare(channels, kRate + 1000);
-        EXPECT_EQ(delay.Send(102), 1);
-        const Sound silence = Constant(channels, 20'000, 0);
-        EXPECT_EQ(delay.Process(silence), silence) << channels;
-    }
-}
-
 TEST(MDelayAudioEffectPlugin, IsDestroyedOnlyOnceARunningBlockIsThrough) {
     constexpr std::int64_t kLength = 1 << 22;  // long enough to be met running
     for (int round = 0; round < 10; ++round) {
-        DelayEntry delay;
-        delay.Prepare(1, kRate);
+        DelayEntry delay(1, kRate);
         std::vector<float> samples(kLength, 1.0f);
         samples.back() = 9;
         float* const channel = samples.data();

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <random>
 
@@ -28,10 +29,13 @@ Difference Compare(unsigned seed, int channels, const MKernelSet& kernels, bool 
     MDelaySettings settings = DefaultDelaySettings();
     Difference difference;
     for (int block = 0; block < 60; ++block) {
-        // Prepared anew with the settings of the block before, for another rate.
+        // Prepared anew in mid-sound: other channels, another rate, the settings of the block
+        // before.
+        if (block == 30) channels = 1 + channels % 3;
         if (block % 30 == 0) {
             engine.Prepare(channels, kSampleRate + 100 * block);
             reference.Prepare(channels, kSampleRate + 100 * block);
+            EXPECT_TRUE(engine.IsTailSilent());
         }
         // The even component of the saturation runs away from loud loops; keep those quiet.
         if (block != 30) {
@@ -44,6 +48,8 @@ Difference Compare(unsigned seed, int channels, const MKernelSet& kernels, bool 
         const int count = std::uniform_int_distribution<int>(1, 700)(generator);
         Channels input(channels, count), output(channels, count), expected(channels, count);
         input.FillWithNoise(seed * 100 + static_cast<unsigned>(block), mayCurve ? 0.3f : 1.0f);
+        // What is no sound counts as silence.
+        input[0][count / 2] = std::array{NAN, INFINITY, -INFINITY}[block % 3];
         engine.Update(settings);
         reference.Update(settings);
         engine.Process(settings, tempo, input.Constants(), output.Pointers(), count);
