@@ -25,8 +25,8 @@ MDelayTapSettings RandomTap(std::mt19937& generator, const MDelayTapSettings& pr
     tap.feedback = Onward(previous.feedback,
                           moves ? Uniform(generator, 0, highestFeedback) : previous.feedback.End());
     tap.gain = Onward(previous.gain, moves ? Uniform(generator, 0, 1) : previous.gain.End());
-    tap.panorama =
-        Onward(previous.panorama, moves ? Uniform(generator, -1, 1) : previous.panorama.End());
+    const double side = Toss(generator, 0.5) ? 0 : Uniform(generator, -1, 1);
+    tap.panorama = Onward(previous.panorama, moves ? side : previous.panorama.End());
     tap.delay = Toss(generator, 0.3) ? Uniform(generator, 0, 0.001) : Uniform(generator, 0, 0.05);
     if (Toss(generator, 0.5)) tap.delay = previous.delay;
     tap.leftOffset = Toss(generator, 0.5) ? 0 : Uniform(generator, -0.01, 0.01);
