@@ -51,6 +51,7 @@ inline double LargestDifference(std::span<const double> a, std::span<const doubl
 /// Frequencies in even steps of pitch.
 inline std::vector<double> Frequencies(double lowest, double highest, int count) {
     std::vector<double> frequencies;
+    frequencies.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
         frequencies.push_back(lowest * std::pow(highest / lowest, i / (count - 1.0)));
     }

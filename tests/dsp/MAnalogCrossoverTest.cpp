@@ -152,10 +152,10 @@ TEST(MAnalogCrossover, WhatCannotBeDesignedThrowsAndLeavesTheDesign) {
     Splitter crossover(std::vector<double>{500, 5000}, 48000, Slope::Slope24);
     const Bands wanted = crossover.Run(noise, 100);
     const struct {
-        int bands;
+        int bands = 0;
         std::vector<double> limits;
-        double rate;
-        int slope;
+        double rate = 0;
+        int slope = 0;
     } rows[] = {{-1, limits, 48000, 1},      {0, limits, 48000, 1},    {7, limits, 48000, 1},
                 {1000000, limits, 48000, 1}, {3, limits, 0, 1},        {3, limits, -48000, 1},
                 {3, limits, nan, 1},         {3, limits, HUGE_VAL, 1}, {3, limits, 48000, -1},

@@ -64,10 +64,10 @@ TEST_F(MRenderJobTest, EndsTheTailAfterTheLastEchoOrAsAskedAndTakesTheLatencyOut
     const MTail automatic = {MTail::Kind::Auto, 60}, none = {MTail::Kind::None, 60},
                 half = {MTail::Kind::Seconds, 0.5};
     const struct {
-        int inputFrames, delay, latency;
-        bool isCompensated;
+        int inputFrames = 0, delay = 0, latency = 0;
+        bool isCompensated = false;
         MTail tail;
-        int tailFrames;
+        int tailFrames = 0;
     } rows[] = {{1000, 4000, 0, true, automatic, 4000 + kQuiet},  // a gap longer than the quiet
                 {100, 0, kLatency, true, automatic, kQuiet},
                 {5000, 0, kLatency, false, automatic, kLatency + kQuiet},

@@ -33,6 +33,6 @@ inline std::vector<float> ReadAll(const std::filesystem::path& path) {
     const auto frames = static_cast<std::size_t>(reader.Frames().value_or(0));
     std::vector<float> samples(frames * static_cast<std::size_t>(reader.Shape().channels));
     const int read = reader.Read(samples);
-    samples.resize(static_cast<std::size_t>(read * reader.Shape().channels));
+    samples.resize(static_cast<std::size_t>(read) * reader.Shape().channels);
     return samples;
 }
