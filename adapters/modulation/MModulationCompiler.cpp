@@ -170,14 +170,10 @@ void MModulationCompiler::AddSlot(const Linked& linked, MModulationPlan& plan) c
     MModulationPlan::Slot slot;
     slot.record = linked.parameter->Record();
     if (slot.record == nullptr) return;
-    const ParameterDefinition& record = *slot.record;
+    ParameterDefinition& record = *slot.record;
     slot.firstLink = static_cast<int>(plan.links.size());
     slot.linkCount = static_cast<int>(linked.links.size());
     slot.usesKnob = linked.usesKnob;
-    if (record.kind == ParameterKind::Float && record.curve == ParameterCurve::None) {
-        slot.minimum = record.minimum;
-        slot.range = record.maximum - record.minimum;
-    }
     bool isOfEffect = false;
     for (const auto& effect : effects_) {
         const std::span<ParameterDefinition> records = effect->Records();
@@ -194,6 +190,13 @@ void MModulationCompiler::AddSlot(const Linked& linked, MModulationPlan& plan) c
     // Switches of the plug-in's own act when they are written.
     const bool tells = !isOfEffect && record.kind == ParameterKind::Bool;
     if (tells) slot.parameter = linked.parameter;
+    const bool isWatched = slot.parameter != nullptr || slot.effect != nullptr ||
+                           MultiParameterOf(*linked.parameter) >= 0;
+    if (!isWatched && linked.links.size() == 1 && linked.links[0].line.IsStraight() &&
+        MStraightTargets::Suits(record)) {
+        plan.straight.Add(record, linked.links[0].source, linked.links[0].line);
+        return;
+    }
     plan.links.insert(plan.links.end(), linked.links.begin(), linked.links.end());
     plan.slots.push_back(slot);
 }

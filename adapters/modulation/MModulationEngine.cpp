@@ -41,6 +41,7 @@ void MModulationEngine::Begin(const MModulationPlan& plan) noexcept {
         const double value = MRelaxed::Load(record.secondary);
         states_[i] = {value, value, record.ToNormalised(value)};
     }
+    straight_.Begin(plan.straight);
     for (int i = 0; i < MModulationPlan::kMultiParameters; ++i) {
         isHigh_[i] = multiParameters_.Records()[i].IsOn();
     }
@@ -53,6 +54,7 @@ void MModulationEngine::Release(const MModulationPlan& plan) noexcept {
         slot.record->SetRedirect(false);
         Mark(slot);
     }
+    straight_.Release(plan.straight);
 }
 
 void MModulationEngine::Advance(const MModulationPlan& plan,
@@ -68,6 +70,7 @@ void MModulationEngine::Advance(const MModulationPlan& plan,
     }
     for (const int index : plan.order) DriveMultiParameter(plan, index);
     Drive(plan, plan.firstPlainSlot, static_cast<int>(plan.slots.size()));
+    straight_.Drive(plan.straight, values_.data());
 }
 
 void MModulationEngine::FollowMultiParameters(const MModulationPlan& plan) noexcept {
@@ -101,8 +104,7 @@ void MModulationEngine::Write(const MModulationPlan::MultiParameter& multiParame
     knobsMoved_.store(true, std::memory_order_relaxed);
 }
 
-// A write that another thread makes between this look and the next store is lost; a fader that
-// moves sends the next one. An exchange would close the gap at the price of the whole modulation.
+// As MStraightDriver does, writes that land between this look and the next store included.
 inline double MModulationEngine::TakeKnob(const MModulationPlan::Slot& slot,
                                           State& state) noexcept {
     const double found = MRelaxed::Load(slot.record->secondary);
@@ -136,8 +138,7 @@ void MModulationEngine::Drive(const MModulationPlan& plan, int firstSlot, int en
         State& state = states_[i];
         const double knob = TakeKnob(slot, state);
         const double position = Combine(plan, slot, knob);
-        const double plain = slot.range > 0 ? slot.minimum + slot.range * position
-                                            : slot.record->FromNormalised(position);
+        const double plain = slot.record->FromNormalised(position);
         if (plain == state.written) continue;
         state.written = plain;
         if (slot.parameter != nullptr) {

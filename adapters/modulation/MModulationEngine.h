@@ -4,6 +4,7 @@
 #include "adapters/modulation/MLFO.h"
 #include "adapters/modulation/MModulationPlan.h"
 #include "adapters/modulation/MMultiParameters.h"
+#include "adapters/modulation/MStraightDriver.h"
 
 #include <array>
 #include <atomic>
@@ -62,6 +63,7 @@ private:
     std::array<double, MModulationPlan::kSources> values_{};  // of the sources, 0..1
     std::array<bool, MModulationPlan::kMultiParameters> isHigh_{};
     std::array<State, MModulationPlan::kMaxSlots> states_{};
+    MStraightDriver straight_;
     bool wasPlaying_ = false;
     std::atomic<bool> knobsMoved_{false};
 };

@@ -3,6 +3,7 @@
 
 #include "adapters/modulation/MLFOSettings.h"
 #include "adapters/modulation/MMultiParameterSettings.h"
+#include "adapters/modulation/MStraightTargets.h"
 
 #include <array>
 #include <vector>
@@ -24,16 +25,13 @@ struct MModulationPlan {
         MMotionLine line;
     };
 
-    /// A parameter that something acts on through its secondary value. What one piece needs comes
-    /// first: it is read hundreds of times a second.
+    /// A parameter that something acts on through its secondary value, in whatever way.
     struct Slot {
         ParameterDefinition* record = nullptr;
         ParameterMainBase* parameter = nullptr;  ///< null: nobody listens for its writes
         MHostedEffect* effect = nullptr;         ///< to be marked; null: nobody needs to be
         int index = 0;                           ///< of the record within the effect
         bool usesKnob = false;                   ///< whether the outcome depends on the knob
-        double minimum = 0;  ///< of a record whose positions are values but for the range
-        double range = 0;    ///< the same; 0 for any other record
         int firstLink = 0;
         int linkCount = 0;
     };
@@ -52,14 +50,15 @@ struct MModulationPlan {
     };
 
     /// Whether modulators act on anything at all.
-    bool IsActive() const noexcept { return !slots.empty(); }
+    bool IsActive() const noexcept { return !slots.empty() || !straight.Targets().empty(); }
 
     std::array<MModulatorSettings, kModulators> modulators;
     std::array<bool, kModulators> runs{};  ///< modulators that are on and have targets
     std::array<MultiParameter, kMultiParameters> multiParameters;
     /// MultiParameters from those that move others to those that are moved.
     std::array<int, kMultiParameters> order{0, 1, 2, 3};
-    std::vector<Slot> slots;  ///< those of MultiParameters first
-    int firstPlainSlot = 0;   ///< behind those
-    std::vector<Link> links;  ///< by slot
+    std::vector<Slot> slots;    ///< those of MultiParameters first
+    int firstPlainSlot = 0;     ///< behind those
+    std::vector<Link> links;    ///< by slot
+    MStraightTargets straight;  ///< those that need no slot
 };

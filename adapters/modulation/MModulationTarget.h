@@ -45,6 +45,12 @@ public:
         return start_ + slope_ * x + knobShare_ * knob;
     }
 
+    // The line of a motion that bends nothing. [any]
+    bool IsStraight() const noexcept { return curve_ == ParameterCurve::None; }
+    double Start() const noexcept { return start_; }
+    double Slope() const noexcept { return slope_; }
+    double KnobShare() const noexcept { return knobShare_; }
+
 private:
     double Bend(double value) const noexcept;
 

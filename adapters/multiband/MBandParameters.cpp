@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/multiband/MBandParameters.h"
 
-#include "dsp/MAmplitude.h"
 #include "plugin/values/MValueFrequency.h"
 #include "plugin/values/MValuePan.h"
 
@@ -17,6 +16,9 @@ constexpr double kLargestGain = 24;                  // decibels
 constexpr double kLowestLimit = 1.3010299956639813;  // 20 Hz
 constexpr double kHighestLimit = 4.301029995663981;  // 20 kHz
 
+constexpr int kInputLevel = kMaxCrossoverBands;  // places among the levels
+constexpr int kOutputLevel = kInputLevel + 1;
+
 double InForce(const ParameterDefinition& record) noexcept {
     return record.Nearest(record.Effective());
 }
@@ -28,7 +30,9 @@ double EndOf(const ParameterDefinition& record, MForcedMix forced) noexcept {
 
 }  // namespace
 
-MBandParameters::MBandParameters() {
+MBandParameters::MBandParameters()
+    : levels_{&gains_[0], &gains_[1], &gains_[2],  &gains_[3],
+              &gains_[4], &gains_[5], &inputGain_, &outputGain_} {
     wet_.DefineFloat("DryWet", "Wet", 0, 1, 1, std::string());
     dry_.DefineFloat("DryWet2", "Dry", 0, 1, 1, std::string());
     wet_.flags |= ParameterDefinition::kOption19;
@@ -71,19 +75,30 @@ MBandParameters::Limits MBandParameters::ReadLimits() const noexcept {
     return limits;
 }
 
-double MBandParameters::Amplitude::Of(const ParameterDefinition& record) noexcept {
-    const double now = InForce(record);
-    if (now != decibels) {
-        decibels = now;
-        linear = record.IsRedirected() ? MAmplitudeOf(now) : std::pow(10.0, now * 0.05);
+void MBandParameters::FollowGains(int bandCount) noexcept {
+    std::array<double, Amplitudes::kCount> now = amplitudes_.decibels;
+    bool isAnyMoved = false;
+    for (int i = 0; i < Amplitudes::kCount; ++i) {
+        if (i >= bandCount && i < kMaxCrossoverBands) continue;
+        now[i] = InForce(*levels_[i]);
+        isAnyMoved = isAnyMoved || now[i] != amplitudes_.decibels[i];
     }
-    return linear;
+    if (!isAnyMoved) return;
+    std::array<double, Amplitudes::kCount> modulated;
+    kernels_.amplitudes(now.data(), modulated.data(), Amplitudes::kCount);
+    for (int i = 0; i < Amplitudes::kCount; ++i) {
+        if (now[i] == amplitudes_.decibels[i]) continue;
+        amplitudes_.linear[i] =
+            levels_[i]->IsRedirected() ? modulated[i] : std::pow(10.0, now[i] * 0.05);
+    }
+    amplitudes_.decibels = now;
 }
 
 void MBandParameters::ReadInto(MBandBlock& block, int bandCount, MForcedMix wet,
                                MForcedMix dry) noexcept {
-    block.inputGain.to = inputAmplitude_.Of(inputGain_);
-    block.outputGain.to = outputAmplitude_.Of(outputGain_);
+    FollowGains(bandCount);
+    block.inputGain.to = amplitudes_.linear[kInputLevel];
+    block.outputGain.to = amplitudes_.linear[kOutputLevel];
     block.wet.to = EndOf(wet_, wet);
     block.dry.to = EndOf(dry_, dry);
     // A button acts at once: it is no ramp from where the parameter was.
@@ -91,7 +106,7 @@ void MBandParameters::ReadInto(MBandBlock& block, int bandCount, MForcedMix wet,
     if (dry.off || dry.full) block.dry.from = block.dry.to;
     for (int band = 0; band < kMaxCrossoverBands; ++band) {
         const bool runs = band < bandCount;
-        block.bands[band].gain.to = runs ? amplitudes_[band].Of(gains_[band]) : 1;
+        block.bands[band].gain.to = runs ? amplitudes_.linear[band] : 1;
         block.bands[band].panorama.to = runs ? InForce(panoramas_[band]) : 0;
     }
 }

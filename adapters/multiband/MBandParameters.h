@@ -4,6 +4,7 @@
 #include "adapters/effect/MParameterTable.h"
 #include "adapters/effect/MStateRecords.h"
 #include "adapters/multiband/MBandBlock.h"
+#include "dsp/kernels/MKernelSet.h"
 #include "plugin/parameters/ParameterDefinition.h"
 
 #include <array>
@@ -53,17 +54,20 @@ private:
     template <class Job>
     void ForEach(Job&& job);
 
-    /// A level as amplitude, computed anew only when it has moved. Of the audio thread.
-    struct Amplitude {
-        double decibels = 0;
-        double linear = 1;
-        double Of(const ParameterDefinition& record) noexcept;
+    /// Levels as amplitudes, computed anew only when they have moved. Of the audio thread.
+    struct Amplitudes {
+        static constexpr int kCount = 8;  // whole vectors of the kernels
+        alignas(64) std::array<double, kCount> decibels{};
+        alignas(64) std::array<double, kCount> linear{1, 1, 1, 1, 1, 1, 1, 1};
     };
+    void FollowGains(int bandCount) noexcept;
 
     ParameterDefinition wet_, dry_, inputGain_, outputGain_;
     std::array<ParameterDefinition, kLimits> limits_;
     std::array<ParameterDefinition, kMaxCrossoverBands> gains_;
     std::array<ParameterDefinition, kMaxCrossoverBands> panoramas_;
-    Amplitude inputAmplitude_, outputAmplitude_;
-    std::array<Amplitude, kMaxCrossoverBands> amplitudes_;
+    // Every gain, in the order of the amplitudes: of the bands, the input, the output.
+    const std::array<const ParameterDefinition*, Amplitudes::kCount> levels_;
+    Amplitudes amplitudes_;
+    const MControlKernels& kernels_ = *Kernels().controls;
 };

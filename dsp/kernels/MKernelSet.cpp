@@ -7,20 +7,22 @@ namespace m_x86_64_v2 {
 extern const MDelayKernels kDelayKernels;
 extern const MCrossoverKernels kCrossoverKernels;
 extern const MBandKernels kBandKernels;
+extern const MControlKernels kControlKernels;
 }  // namespace m_x86_64_v2
 namespace m_x86_64_v3 {
 extern const MDelayKernels kDelayKernels;
 extern const MCrossoverKernels kCrossoverKernels;
 extern const MBandKernels kBandKernels;
+extern const MControlKernels kControlKernels;
 }  // namespace m_x86_64_v3
 
 namespace {
 
 const MKernelSet kSets[] = {
     {"x86-64-v2", &m_x86_64_v2::kDelayKernels, &m_x86_64_v2::kCrossoverKernels,
-     &m_x86_64_v2::kBandKernels},
+     &m_x86_64_v2::kBandKernels, &m_x86_64_v2::kControlKernels},
     {"x86-64-v3", &m_x86_64_v3::kDelayKernels, &m_x86_64_v3::kCrossoverKernels,
-     &m_x86_64_v3::kBandKernels},
+     &m_x86_64_v3::kBandKernels, &m_x86_64_v3::kControlKernels},
 };
 
 std::size_t CountRunnable() noexcept {

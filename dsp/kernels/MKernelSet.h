@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dsp/kernels/MBandKernels.h"
+#include "dsp/kernels/MControlKernels.h"
 #include "dsp/kernels/MCrossoverKernels.h"
 #include "dsp/kernels/MDelayKernels.h"
 
@@ -13,6 +14,7 @@ struct MKernelSet {
     const MDelayKernels* delay;
     const MCrossoverKernels* crossover;
     const MBandKernels* bands;
+    const MControlKernels* controls;
 };
 
 /// The fastest set that this machine runs; chosen once, at load time. [any]
