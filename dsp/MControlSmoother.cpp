@@ -9,10 +9,10 @@ double MControlSmoother::Advance(double target, int count, int sampleRate,
     // Closer than this no control changes, and the way's remainder would become denormal.
     constexpr double kArrived = 1e-12;
     if (!std::isfinite(target)) return value_;
-    const double constants = std::max(0, count) / (seconds * std::max(1, sampleRate));
     if (!(seconds > 0) || std::abs(value_ - target) < kArrived) {
         value_ = target;
     } else {
+        const double constants = std::max(0, count) / (seconds * std::max(1, sampleRate));
         if (constants != constants_) {
             constants_ = constants;
             remainder_ = std::exp(-constants);

@@ -68,7 +68,9 @@ void MModulationEngine::Advance(const MModulationPlan& plan,
         if (hasStarted) modulators_[i].HostStarted(settings);
         values_[i] = modulators_[i].Advance(settings, piece);
     }
-    for (const int index : plan.order) DriveMultiParameter(plan, index);
+    if (plan.firstPlainSlot > 0 || multiParameters_.IsAnyWritten()) {
+        for (const int index : plan.order) DriveMultiParameter(plan, index);
+    }
     Drive(plan, plan.firstPlainSlot, static_cast<int>(plan.slots.size()));
     straight_.Drive(plan.straight, values_.data());
 }

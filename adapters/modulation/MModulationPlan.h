@@ -58,7 +58,7 @@ struct MModulationPlan {
     /// MultiParameters from those that move others to those that are moved.
     std::array<int, kMultiParameters> order{0, 1, 2, 3};
     std::vector<Slot> slots;    ///< those of MultiParameters first
-    int firstPlainSlot = 0;     ///< behind those
+    int firstPlainSlot = 0;     ///< behind those; 0 while modulators move no MultiParameter
     std::vector<Link> links;    ///< by slot
     MStraightTargets straight;  ///< those that need no slot
 };

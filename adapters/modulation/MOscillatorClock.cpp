@@ -12,9 +12,9 @@ double CyclesPerQuarter(const MModulatorSettings& settings) noexcept {
     return 0.25 / MTempoSync::WholeNotes(settings.syncLength, settings.syncType);
 }
 
-/// Whether the song says where the oscillator stands.
+/// Whether the song says where a synchronised oscillator stands.
 bool IsSongs(const MModulatorSettings& settings, const MTransport& transport) noexcept {
-    return settings.isSynchronised && transport.isPlaying && !settings.isOneShot &&
+    return transport.isPlaying && !settings.isOneShot &&
            settings.restart != MModulatorRestart::Note && std::isfinite(transport.songPosition);
 }
 
@@ -25,25 +25,34 @@ void MOscillatorClock::Restart() noexcept {
     samples_ = 0;
 }
 
-double MOscillatorClock::Advance(const MModulatorSettings& settings,
-                                 const MModulationPiece& piece) noexcept {
-    const MTransport& transport = *piece.transport;
-    const double quartersPerSample =
-        transport.tempo > 0 ? transport.tempo / (kSecondsPerMinute * piece.sampleRate) : 0;
-    const double perSample = settings.isSynchronised
-                                 ? quartersPerSample * CyclesPerQuarter(settings)
-                                 : settings.rate / piece.sampleRate;
+void MOscillatorClock::Count(double perSample, int count) noexcept {
     if (perSample != perSample_) {
         start_ += static_cast<double>(samples_) * perSample_;
         samples_ = 0;
         perSample_ = perSample;
     }
-    samples_ += piece.count;
-    if (IsSongs(settings, transport)) {
-        // A host that stops lets the oscillator go on from here.
-        start_ =
-            (transport.songPosition + quartersPerSample * piece.count) * CyclesPerQuarter(settings);
-        samples_ = 0;
+    samples_ += count;
+}
+
+void MOscillatorClock::FollowSong(const MModulatorSettings& settings,
+                                  const MModulationPiece& piece) noexcept {
+    const MTransport& transport = *piece.transport;
+    const double quartersPerSample =
+        transport.tempo > 0 ? transport.tempo / (kSecondsPerMinute * piece.sampleRate) : 0;
+    const double cyclesPerQuarter = CyclesPerQuarter(settings);
+    Count(quartersPerSample * cyclesPerQuarter, piece.count);
+    if (!IsSongs(settings, transport)) return;
+    // A host that stops lets the oscillator go on from here.
+    start_ = (transport.songPosition + quartersPerSample * piece.count) * cyclesPerQuarter;
+    samples_ = 0;
+}
+
+double MOscillatorClock::Advance(const MModulatorSettings& settings,
+                                 const MModulationPiece& piece) noexcept {
+    if (settings.isSynchronised) {
+        FollowSong(settings, piece);
+    } else {
+        Count(settings.rate / piece.sampleRate, piece.count);
     }
     const double cycles = start_ + static_cast<double>(samples_) * perSample_;
     constexpr double kEnd = 1 - 1e-9;  // what a whole cycle would be is the start of the next

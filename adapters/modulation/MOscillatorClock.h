@@ -19,6 +19,9 @@ public:
     double Advance(const MModulatorSettings& settings, const MModulationPiece& piece) noexcept;
 
 private:
+    void Count(double perSample, int count) noexcept;
+    void FollowSong(const MModulatorSettings& settings, const MModulationPiece& piece) noexcept;
+
     double start_ = 0;          // cycles, where the counting began
     std::int64_t samples_ = 0;  // counted since
     double perSample_ = 0;      // cycles
