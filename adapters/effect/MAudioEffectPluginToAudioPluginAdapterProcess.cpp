@@ -6,44 +6,57 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace {
 
 /// Pointers of a block's channels from a place within it on.
 template <class Sample>
-struct PieceChannels {
-    PieceChannels(Sample* const* channels, int count, int start) noexcept {
+class PieceChannels {
+public:
+    PieceChannels(Sample* const* channels, int count, int start) noexcept : pointers_(channels) {
+        if (start == 0) return;
         for (int channel = 0; channel < count; ++channel) {
             Sample* const samples = channels[channel];
-            pointers[channel] = samples != nullptr ? samples + start : nullptr;
+            own_[channel] = samples != nullptr ? samples + start : nullptr;
         }
+        pointers_ = own_.data();
     }
+    PieceChannels(const PieceChannels&) = delete;
+    PieceChannels& operator=(const PieceChannels&) = delete;
 
-    std::array<Sample*, MBusLayout::kMaxChannels> pointers{};
+    Sample* const* Pointers() const noexcept { return pointers_; }
+
+private:
+    Sample* const* pointers_;
+    std::array<Sample*, MBusLayout::kMaxChannels> own_;  // set but where a block starts
 };
 
 /// Moves the transport on within a block; it stands at the block's start again afterwards.
 class PieceTransport {
 public:
     PieceTransport(MTransport& transport, int sampleRate) noexcept
-        : transport_(transport), atStart_(transport), sampleRate_(sampleRate) {}
-    ~PieceTransport() { transport_ = atStart_; }
+        : transport_(transport), sampleRate_(sampleRate) {}
+    ~PieceTransport() {
+        if (atStart_) transport_ = *atStart_;
+    }
     PieceTransport(const PieceTransport&) = delete;
     PieceTransport& operator=(const PieceTransport&) = delete;
 
     void MoveTo(int sample) noexcept {
         if (sample == 0) return;
+        if (!atStart_) atStart_ = transport_;
         constexpr double kSecondsPerMinute = 60;
         transport_.hasJumped = false;
         transport_.playStateChanged = false;
-        if (!atStart_.isPlaying) return;
+        if (!atStart_->isPlaying) return;
         transport_.songPosition =
-            atStart_.songPosition + sample * atStart_.tempo / (kSecondsPerMinute * sampleRate_);
+            atStart_->songPosition + sample * atStart_->tempo / (kSecondsPerMinute * sampleRate_);
     }
 
 private:
     MTransport& transport_;
-    const MTransport atStart_;
+    std::optional<MTransport> atStart_;  // once it has moved
     const int sampleRate_;
 };
 
@@ -114,7 +127,6 @@ void MAudioEffectPluginToAudioPluginAdapter::BeginBypass(int sampleCount) {
 // Only what depends on parameters goes piece by piece; bypass and meters see the block as a whole.
 void MAudioEffectPluginToAudioPluginAdapter::RunPieces(int sampleCount) {
     const int channelCount = activeLayout_.outputs;
-    channels_.SeparateInputs(channelCount, sampleCount);
     PieceTransport transport(Transport(), activeRate_);
     const bool isModulated = modulation_.IsActive();
     MBlockPieces pieces(sampleCount, isModulated ? activeStandard_.maxLFOBlockSize : sampleCount);
@@ -122,17 +134,18 @@ void MAudioEffectPluginToAudioPluginAdapter::RunPieces(int sampleCount) {
         const int start = pieces.Start();
         midi_.ApplyUntil(start, this);
         const int count = pieces.Take(midi_.NextEvent(start + 1));
+        if (start == 0 && !pieces.IsDone()) channels_.SeparateInputs(channelCount, sampleCount);
         const PieceChannels in(channels_.Inputs(), channelCount, start);
         const PieceChannels out(channels_.Outputs(), channelCount, start);
         transport.MoveTo(start);
         if (isModulated) {
-            Modulate(in.pointers.data(), start, count);
+            Modulate(in.Pointers(), start, count);
         } else {
             modulation_.FollowMultiParameters();
         }
         if (updates_.load(std::memory_order_relaxed)) ProcessUpdate();
         if (start == 0) BeginBypass(sampleCount);
-        ProcessBlock(in.pointers.data(), out.pointers.data(), count);
+        ProcessBlock(in.Pointers(), out.Pointers(), count);
     }
 }
 
@@ -144,7 +157,7 @@ void MAudioEffectPluginToAudioPluginAdapter::Modulate(const float* const* inputs
                          .sampleRate = activeRate_,
                          .inputs = inputs,
                          .inputCount = activeLayout_.outputs,
-                         .sideChain = sideChain_ != nullptr ? sideChain.pointers.data() : nullptr,
+                         .sideChain = sideChain_ != nullptr ? sideChain.Pointers() : nullptr,
                          .sideChainCount = sideChainCount_});
 }
 
