@@ -28,7 +28,7 @@ struct MFloatPair {
 class MAnalogPairState {
 public:
     /// Frames that are worked on at once, so that all buffers stay in the nearest cache.
-    static constexpr int kPiece = 256;
+    static constexpr int kPiece = kMostScaled;
 
     /// Splits `frames` frames of `left` and `right` into `bands`, one pair of buffers per band of
     /// the design. An output may be the input only if it is the last band's. Never allocates.

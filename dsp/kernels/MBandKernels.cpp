@@ -12,11 +12,11 @@ inline float At(const MLinearRamp& ramp, Lanes<float> lanes) noexcept {
 }
 
 inline WideFloats At(const MLinearRamp& ramp, Lanes<WideFloats> lanes) noexcept {
-    const Doubles further = lanes.number + static_cast<double>(kWidth);
     const Floats low = Narrow(ramp.start + lanes.number * ramp.step);
-    const Floats high = Narrow(ramp.start + further * ramp.step);
+    const Floats high = Narrow(ramp.start + lanes.further * ramp.step);
 #ifdef M_KERNEL_v3
-    return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+    // Shuffled, g++ 12 copies both halves first.
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1);
 #else
     return __builtin_shufflevector(low, high, 0, 1, 2, 3);
 #endif
@@ -38,7 +38,7 @@ template <bool isStill>
 void TakeInputAs(const float* in, const MLinearRamp& gain, float ceiling, float* out,
                  int count) noexcept {
     const float still = static_cast<float>(gain.start);
-    ForEachFloat(count, [=](int i, auto lanes) {
+    ForEachFloatNumbered(count, [=](int i, auto lanes) {
         using F = typename decltype(lanes)::Type;
         Store(out + i, Cleaned(Load<F>(in + i), ceiling) * Gain<isStill>(gain, still, lanes));
     });
@@ -52,7 +52,7 @@ void TakeInput(const float* in, const MLinearRamp& gain, float ceiling, float* o
 template <bool isStill>
 void PanAs(const MLinearRamp& panorama, float* left, float* right, int count) noexcept {
     const float still = static_cast<float>(panorama.start);
-    ForEachFloat(count, [=](int i, auto lanes) {
+    ForEachFloatNumbered(count, [=](int i, auto lanes) {
         using F = typename decltype(lanes)::Type;
         const F zero = F{};
         const F place = Gain<isStill>(panorama, still, lanes);
@@ -65,7 +65,7 @@ void PanAs(const MLinearRamp& panorama, float* left, float* right, int count) no
 
 /// A way that stays on one side of the middle: nothing goes to the other side.
 void PanOneWay(const MLinearRamp& share, float* from, float* to, int count) noexcept {
-    ForEachFloat(count, [=](int i, auto lanes) {
+    ForEachFloatNumbered(count, [=](int i, auto lanes) {
         using F = typename decltype(lanes)::Type;
         const F passed = At(share, lanes);
         const F x = Load<F>(from + i);
@@ -86,8 +86,8 @@ void Pan(const MLinearRamp& panorama, float* left, float* right, int count) noex
 }
 
 void Tabulate(const MLinearRamp& given, float* values, int count) noexcept {
-    ForEachFloat(count,
-                 [=, ramp = given](int i, auto lanes) { Store(values + i, At(ramp, lanes)); });
+    ForEachFloatNumbered(
+        count, [=, ramp = given](int i, auto lanes) { Store(values + i, At(ramp, lanes)); });
 }
 
 /// Levels are gathered in eight lanes and put together in one order, so that the width of the build

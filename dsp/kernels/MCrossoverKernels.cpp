@@ -255,44 +255,21 @@ inline Floats Rights(Floats first, Floats second) noexcept {
 #endif
 }
 
-/// The numbers of kWidth frames, in the order in which Doubled and DoubledNext take them apart.
-inline Doubles FrameNumbers() noexcept {
-#ifdef M_KERNEL_v3
-    return Doubles{0, 2, 1, 3};
-#else
-    return Doubles{0, 1};
-#endif
-}
-/// The gains of the frames in the first register of kWidth frames, and of those in the second; each
-/// stands in two lanes.
-inline Doubles Doubled(Doubles gains) noexcept {
-#ifdef M_KERNEL_v3
-    return __builtin_shufflevector(gains, gains, 0, 0, 2, 2);
-#else
-    return __builtin_shufflevector(gains, gains, 0, 0);
-#endif
-}
-inline Doubles DoubledNext(Doubles gains) noexcept {
-#ifdef M_KERNEL_v3
-    return __builtin_shufflevector(gains, gains, 1, 1, 3, 3);
-#else
-    return __builtin_shufflevector(gains, gains, 1, 1);
-#endif
-}
-
 template <bool isStill>
 void SeparateScaledAs(const double* frames, const MLinearRamp& gain, float* left, float* right,
                       int count) noexcept {
     const MLinearRamp ramp = gain;
     const Doubles still = ramp.start - Doubles{};
-    Doubles number = FrameNumbers();
     int i = 0;
-    for (; i + kWidth <= count; i += kWidth, number += static_cast<double>(kWidth)) {
+    for (; i + kWidth <= count; i += kWidth) {
         const Doubles first = Load<Doubles>(FrameAt(frames, i));
         const Doubles second = Load<Doubles>(FrameAt(frames, i) + kWidth);
-        const Doubles gains = isStill ? still : ramp.start + number * ramp.step;
-        const Floats a = Narrow(first * (isStill ? still : Doubled(gains)));
-        const Floats b = Narrow(second * (isStill ? still : DoubledNext(gains)));
+        const double* const numbers = FrameAt(kNumbering.twice, i);
+        const auto gains = [&](const double* from) {
+            return isStill ? still : ramp.start + Load<Doubles>(from) * ramp.step;
+        };
+        const Floats a = Narrow(first * gains(numbers));
+        const Floats b = Narrow(second * gains(numbers + kWidth));
         Store(left + i, Lefts(a, b));
         Store(right + i, Rights(a, b));
     }
@@ -303,6 +280,8 @@ void SeparateScaledAs(const double* frames, const MLinearRamp& gain, float* left
         right[i] = static_cast<float>(FrameAt(frames, i)[1] * factor);
     }
 }
+
+static_assert(kMostScaled <= Numbering::kCount);
 
 void SeparateScaled(const double* frames, const MLinearRamp& gain, float* left, float* right,
                     int count) noexcept {

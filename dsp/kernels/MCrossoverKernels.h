@@ -30,6 +30,8 @@ struct MKernelStage {
     MKernelFilter a, b;
 };
 
+inline constexpr int kMostScaled = 256;
+
 /// The hot loops of the crossovers. [audio]
 struct MCrossoverKernels {
     /// Runs `stageCount` stages of `sectionCount` sections, one after the other, over `frames`
@@ -49,7 +51,7 @@ struct MCrossoverKernels {
                             int count) noexcept;
 
     /// Takes two channels apart into floats, both multiplied by `gain`. `left` may be `right`, for
-    /// channels that are alike.
+    /// channels that are alike. `count` is at most kMostScaled.
     void (*separateScaled)(const double* frames, const MLinearRamp& gain, float* left, float* right,
                            int count) noexcept;
 

@@ -16,12 +16,6 @@ inline D At(const MLinearRamp& ramp, D number) noexcept {
     return ramp.start + number * ramp.step;
 }
 
-/// The samples of the ramps that `lanes` of a piece are.
-template <class L>
-inline auto NumberIn(const MLoopRamps& ramps, L lanes) noexcept {
-    return lanes.number + static_cast<double>(ramps.first);
-}
-
 inline bool IsStill(const MLinearRamp& ramp) noexcept { return ramp.step == 0.0; }
 
 template <class D>
@@ -50,12 +44,12 @@ inline D Mixed(D input, D echo, D feedback) noexcept {
 template <MLoopMix mix, bool isStill>
 void ExchangeAs(const MLoopRamps& ramps, const float* input, float* line, float* echo,
                 float ceiling, int count) {
-    ForEach(count, [=](int i, auto lanes) {
+    ForEachNumbered(ramps.first, count, [=](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
         const auto read = Load<typename decltype(lanes)::Narrow>(line + i);
         Store(echo + i, read);
-        const D feedback = isStill ? lanes.Splat(ramps.feedback.start)
-                                   : At<D>(ramps.feedback, NumberIn(ramps, lanes));
+        const D feedback =
+            isStill ? lanes.Splat(ramps.feedback.start) : At<D>(ramps.feedback, lanes.number);
         const D loop = Mixed<mix, D>(lanes.LoadWide(input + i), lanes.Widen(read), feedback);
         Store(line + i, lanes.Narrowed(Limit<D>(loop, static_cast<double>(ceiling))));
     });
@@ -83,11 +77,10 @@ void Exchange(MLoopMix mix, const MLoopRamps& ramps, const float* input, float* 
 template <MLoopMix mix, bool adds, bool isStill>
 void ExchangeAndOutputAs(const MPlainLoop& given, const float* input, float* line, float* output,
                          float ceiling, int count) {
-    ForEach(count, [=, ramps = given](int i, auto lanes) {
+    ForEachNumbered(given.first, count, [=, ramps = given](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
         const auto at = [&](const MLinearRamp& ramp) {
-            const D number = lanes.number + static_cast<double>(ramps.first);
-            return isStill ? lanes.Splat(ramp.start) : At<D>(ramp, number);
+            return isStill ? lanes.Splat(ramp.start) : At<D>(ramp, lanes.number);
         };
         const D echo = lanes.LoadWide(line + i);
         const D loop = Mixed<mix, D>(lanes.LoadWide(input + i), echo, at(ramps.feedback));
@@ -121,10 +114,10 @@ void ExchangeAndOutput(const MPlainLoop& loop, const float* input, float* line, 
 template <MLoopMix mix>
 void MixLoopAs(const MLoopRamps& ramps, const float* input, const float* echo, double* loop,
                int count) {
-    ForEach(count, [=, &ramps](int i, auto lanes) {
+    ForEachNumbered(ramps.first, count, [=, &ramps](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
         Store(loop + i, Mixed<mix, D>(lanes.LoadWide(input + i), lanes.LoadWide(echo + i),
-                                      At<D>(ramps.feedback, NumberIn(ramps, lanes))));
+                                      At<D>(ramps.feedback, lanes.number)));
     });
 }
 
@@ -161,11 +154,11 @@ struct PanFactors {
 
 void MixPingPong(const MLoopRamps& ramps, const float* const input[2], const float* const echo[2],
                  double* const loop[2], int count) {
-    ForEach(count, [=, &ramps](int i, auto lanes) {
+    ForEachNumbered(ramps.first, count, [=, &ramps](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
         const D left = lanes.LoadWide(input[0] + i);
         const D right = lanes.LoadWide(input[1] + i);
-        const D number = NumberIn(ramps, lanes);
+        const D number = lanes.number;
         const PanFactors<D> pan(ramps, number);
         const D feedback = At<D>(ramps.feedback, number);
         Store(loop[0] + i, pan.Left(left, right) + feedback * lanes.LoadWide(echo[1] + i));
@@ -183,22 +176,23 @@ void ExchangePannedAs(const MLoopRamps& given, const float* const input[2], floa
             Store(to, lanes.Narrowed(0.0 + sum));  // no negative zero, as if it had been added
         }
     };
-    ForEach(count,
-            [=, ramps = given, leftIn = input[0], rightIn = input[1], leftLine = line[0],
-             rightLine = line[1], leftOut = output[0], rightOut = output[1]](int i, auto lanes) {
-                using D = typename decltype(lanes)::Type;
-                const double limit = static_cast<double>(ceiling);
-                const D number = NumberIn(ramps, lanes);
-                const D feedback = At<D>(ramps.feedback, number);
-                const D left = lanes.LoadWide(leftLine + i), right = lanes.LoadWide(rightLine + i);
-                const D leftLoop = Mixed<mix, D>(lanes.LoadWide(leftIn + i), left, feedback);
-                const D rightLoop = Mixed<mix, D>(lanes.LoadWide(rightIn + i), right, feedback);
-                Store(leftLine + i, lanes.Narrowed(Limit<D>(leftLoop, limit)));
-                Store(rightLine + i, lanes.Narrowed(Limit<D>(rightLoop, limit)));
-                const PanFactors<D> pan(ramps, number);
-                put(lanes, leftOut + i, pan.Left(left, right));
-                put(lanes, rightOut + i, pan.Right(left, right));
-            });
+    ForEachNumbered(
+        given.first, count,
+        [=, ramps = given, leftIn = input[0], rightIn = input[1], leftLine = line[0],
+         rightLine = line[1], leftOut = output[0], rightOut = output[1]](int i, auto lanes) {
+            using D = typename decltype(lanes)::Type;
+            const double limit = static_cast<double>(ceiling);
+            const D number = lanes.number;
+            const D feedback = At<D>(ramps.feedback, number);
+            const D left = lanes.LoadWide(leftLine + i), right = lanes.LoadWide(rightLine + i);
+            const D leftLoop = Mixed<mix, D>(lanes.LoadWide(leftIn + i), left, feedback);
+            const D rightLoop = Mixed<mix, D>(lanes.LoadWide(rightIn + i), right, feedback);
+            Store(leftLine + i, lanes.Narrowed(Limit<D>(leftLoop, limit)));
+            Store(rightLine + i, lanes.Narrowed(Limit<D>(rightLoop, limit)));
+            const PanFactors<D> pan(ramps, number);
+            put(lanes, leftOut + i, pan.Left(left, right));
+            put(lanes, rightOut + i, pan.Right(left, right));
+        });
 }
 
 void ExchangePanned(const MPannedLoop& loop, const float* const input[2], float* const line[2],
@@ -358,21 +352,20 @@ void AddPanned(const MLoopRamps& ramps, const float* const echo[2], float* const
         AddCentred(2.0 * ramps.gain.start, echo, output, count);
         return;
     }
-    ForEach(count, [=, &ramps](int i, auto lanes) {
+    ForEachNumbered(ramps.first, count, [=, &ramps](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
         const D left = lanes.LoadWide(echo[0] + i);
         const D right = lanes.LoadWide(echo[1] + i);
-        const PanFactors<D> pan(ramps, NumberIn(ramps, lanes));
+        const PanFactors<D> pan(ramps, lanes.number);
         AddTo(lanes, output[0] + i, pan.Left(left, right));
         AddTo(lanes, output[1] + i, pan.Right(left, right));
     });
 }
 
 void AddScaled(const MLoopRamps& ramps, const float* echo, float* output, int count) {
-    ForEach(count, [=, &ramps](int i, auto lanes) {
+    ForEachNumbered(ramps.first, count, [=, &ramps](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
-        AddTo(lanes, output + i,
-              lanes.LoadWide(echo + i) * At<D>(ramps.gain, NumberIn(ramps, lanes)));
+        AddTo(lanes, output + i, lanes.LoadWide(echo + i) * At<D>(ramps.gain, lanes.number));
     });
 }
 

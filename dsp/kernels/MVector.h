@@ -77,7 +77,7 @@ inline float Larger(float a, float b) noexcept { return a > b ? a : b; }
 inline float Smaller(float a, float b) noexcept { return a < b ? a : b; }
 
 /// What a loop body needs to know to be written once for a vector and for the odd sample after it.
-/// `number` is that of the lanes' samples: loops that count in doubles convert nothing.
+/// `number` is that of the lanes' samples, where the loop counts them.
 template <class D>
 struct Lanes;
 
@@ -118,7 +118,7 @@ template <>
 struct Lanes<WideFloats> {
     using Type = WideFloats;
     using Bits = WideBits;
-    Doubles number{};  // of the lower half
+    Doubles number{}, further{};  // of the lower and the upper half
 };
 
 template <>
@@ -144,21 +144,68 @@ inline F Cleaned(F x, float ceiling) noexcept {
 template <class Body>
 inline void ForEach(int count, Body body) noexcept {
     int i = 0;
-    Doubles number = Lanes<Doubles>::Iota();
 #pragma GCC unroll 2
-    for (; i + kWidth <= count; i += kWidth, number += static_cast<double>(kWidth)) {
-        body(i, Lanes<Doubles>{number});
-    }
-    for (; i < count; ++i) body(i, Lanes<double>{static_cast<double>(i)});
+    for (; i + kWidth <= count; i += kWidth) body(i, Lanes<Doubles>{});
+    for (; i < count; ++i) body(i, Lanes<double>{});
 }
 
 /// The same in whole vectors of floats.
 template <class Body>
 inline void ForEachFloat(int count, Body body) noexcept {
     int i = 0;
-    Doubles number = Lanes<Doubles>::Iota();
-    for (; i + kFloatWidth <= count; i += kFloatWidth, number += static_cast<double>(kFloatWidth)) {
-        body(i, Lanes<WideFloats>{number});
+    for (; i + kFloatWidth <= count; i += kFloatWidth) body(i, Lanes<WideFloats>{});
+    for (; i < count; ++i) body(i, Lanes<float>{});
+}
+
+/// The numbers of the samples of a piece. Ramps load them where counting along would take up the
+/// adders that the samples wait for.
+struct Numbering {
+    static constexpr int kCount = 256;
+
+    constexpr Numbering() noexcept {
+        for (int i = 0; i < kCount; ++i) numbers[i] = twice[2 * i] = twice[2 * i + 1] = i;
+    }
+
+    alignas(64) double numbers[kCount]{};
+    alignas(64) double twice[2 * kCount]{};  ///< each of them two times
+};
+inline constexpr Numbering kNumbering;
+
+/// Calls `body`(index, lanes) for 0..count-1 as ForEach does; the lanes have the numbers `first` +
+/// index.
+template <class Body>
+inline void ForEachNumbered(int first, int count, Body body) noexcept {
+    int i = 0;
+    if (first + count <= Numbering::kCount) {
+        const double* const numbers = kNumbering.numbers + first;
+#pragma GCC unroll 2
+        for (; i + kWidth <= count; i += kWidth) {
+            body(i, Lanes<Doubles>{Load<Doubles>(numbers + i)});
+        }
+    } else {
+        Doubles number = static_cast<double>(first) + Lanes<Doubles>::Iota();
+        for (; i + kWidth <= count; i += kWidth, number += static_cast<double>(kWidth)) {
+            body(i, Lanes<Doubles>{number});
+        }
+    }
+    for (; i < count; ++i) body(i, Lanes<double>{static_cast<double>(first + i)});
+}
+
+/// The same from 0 on and in whole vectors of floats.
+template <class Body>
+inline void ForEachFloatNumbered(int count, Body body) noexcept {
+    constexpr double kStep = kFloatWidth, kHalf = kWidth;
+    int i = 0;
+    if (count <= Numbering::kCount) {
+        for (; i + kFloatWidth <= count; i += kFloatWidth) {
+            const double* const numbers = kNumbering.numbers + i;
+            body(i, Lanes<WideFloats>{Load<Doubles>(numbers), Load<Doubles>(numbers + kWidth)});
+        }
+    } else {
+        Doubles number = Lanes<Doubles>::Iota();
+        for (; i + kFloatWidth <= count; i += kFloatWidth, number += kStep) {
+            body(i, Lanes<WideFloats>{number, number + kHalf});
+        }
     }
     for (; i < count; ++i) body(i, Lanes<float>{static_cast<double>(i)});
 }
