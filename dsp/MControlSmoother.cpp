@@ -4,20 +4,14 @@
 #include <algorithm>
 #include <cmath>
 
-double MControlSmoother::Advance(double target, int count, int sampleRate,
-                                 double seconds) noexcept {
+double MControlSmoother::Glide(double target, int count, int sampleRate, double seconds) noexcept {
     // Closer than this no control changes, and the way's remainder would become denormal.
     constexpr double kArrived = 1e-12;
-    if (!std::isfinite(target)) return value_;
-    if (!(seconds > 0) || std::abs(value_ - target) < kArrived) {
-        value_ = target;
-    } else {
-        const double constants = std::max(0, count) / (seconds * std::max(1, sampleRate));
-        if (constants != constants_) {
-            constants_ = constants;
-            remainder_ = std::exp(-constants);
-        }
-        value_ = target + (value_ - target) * remainder_;
+    if (std::abs(value_ - target) < kArrived) return value_ = target;
+    const double constants = std::max(0, count) / (seconds * std::max(1, sampleRate));
+    if (constants != constants_) {
+        constants_ = constants;
+        remainder_ = std::exp(-constants);
     }
-    return value_;
+    return value_ = target + (value_ - target) * remainder_;
 }

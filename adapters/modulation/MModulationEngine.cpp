@@ -72,7 +72,7 @@ void MModulationEngine::Advance(const MModulationPlan& plan,
         for (const int index : plan.order) DriveMultiParameter(plan, index);
     }
     Drive(plan, plan.firstPlainSlot, static_cast<int>(plan.slots.size()));
-    straight_.Drive(plan.straight, values_.data());
+    straight_.Drive(plan.straight, values_);
 }
 
 void MModulationEngine::FollowMultiParameters(const MModulationPlan& plan) noexcept {

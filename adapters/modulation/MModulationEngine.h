@@ -60,7 +60,7 @@ private:
     MMultiParameters& multiParameters_;
     std::array<MLFO, MModulationPlan::kModulators> modulators_;
     std::array<bool, MModulationPlan::kModulators> ran_{};
-    std::array<double, MModulationPlan::kSources> values_{};  // of the sources, 0..1
+    MStraightDriver::Sources values_{};  // 0..1
     std::array<bool, MModulationPlan::kMultiParameters> isHigh_{};
     std::array<State, MModulationPlan::kMaxSlots> states_{};
     MStraightDriver straight_;

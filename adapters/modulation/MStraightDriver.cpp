@@ -8,10 +8,9 @@
 
 namespace {
 
-/// Whether two numbers are the same to the last bit: a single comparison, and one that holds for
-/// what is no number.
-bool IsSame(double a, double b) noexcept {
-    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+/// The bits in which two numbers differ; for what is no number as well.
+std::uint64_t Difference(double a, double b) noexcept {
+    return std::bit_cast<std::uint64_t>(a) ^ std::bit_cast<std::uint64_t>(b);
 }
 
 }  // namespace
@@ -25,6 +24,7 @@ void MStraightDriver::Begin(const MStraightTargets& targets) noexcept {
         knobs_[i] = knob;
         feet_[i] = target.Foot(knob);
     }
+    sources_.fill(-1);  // which no source ever is
 }
 
 void MStraightDriver::Release(const MStraightTargets& targets) noexcept {
@@ -39,27 +39,31 @@ void MStraightDriver::Release(const MStraightTargets& targets) noexcept {
 // sends the next one. An exchange would close the gap at the price of the whole modulation.
 void MStraightDriver::TakeKnob(const MStraightTargets::Target& target, std::size_t index) noexcept {
     const double found = MRelaxed::Load(target.record->secondary);
-    if (!IsSame(found, written_[index])) {
-        target.record->SetValue(found);
-        written_[index] = found;
-    }
+    if (Difference(found, written_[index]) != 0) target.record->SetValue(found);
     knobs_[index] = target.record->Value();
     feet_[index] = target.Foot(knobs_[index]);
 }
 
-void MStraightDriver::Drive(const MStraightTargets& targets, const double* sources) noexcept {
-    const MStraightTargets::Target* const all = targets.Targets().data();
-    const std::size_t count = targets.Targets().size();
-    for (std::size_t i = 0; i < count; ++i) {
-        const ParameterDefinition& record = *all[i].record;
-        const bool isUntouched = IsSame(MRelaxed::Load(record.secondary), written_[i]) &&
-                                 IsSame(MRelaxed::Load(record.value), knobs_[i]);
-        if (!isUntouched) TakeKnob(all[i], i);
+bool MStraightDriver::TakeKnobs(const MStraightTargets& targets) noexcept {
+    std::uint64_t differences = 0;
+    for (std::size_t i = 0; i < targets.Targets().size(); ++i) {
+        const ParameterDefinition& record = *targets.Targets()[i].record;
+        differences |= Difference(MRelaxed::Load(record.secondary), written_[i]);
+        differences |= Difference(MRelaxed::Load(record.value), knobs_[i]);
     }
-    kernels_.follow(targets.Ways(feet_.data()), sources, values_.data(), targets.PaddedCount());
-    for (std::size_t i = 0; i < count; ++i) {
-        if (IsSame(values_[i], written_[i])) continue;
-        written_[i] = values_[i];
-        MRelaxed::Store(all[i].record->secondary, values_[i]);
+    if (differences == 0) return false;
+    for (std::size_t i = 0; i < targets.Targets().size(); ++i) TakeKnob(targets.Targets()[i], i);
+    return true;
+}
+
+void MStraightDriver::Drive(const MStraightTargets& targets, const Sources& sources) noexcept {
+    const bool isTouched = TakeKnobs(targets);
+    // Nothing is written while nothing moves: others find their writes undisturbed.
+    if (!isTouched && sources == sources_) return;
+    sources_ = sources;
+    kernels_.follow(targets.Ways(feet_.data()), sources.data(), written_.data(),
+                    targets.PaddedCount());
+    for (std::size_t i = 0; i < targets.Targets().size(); ++i) {
+        MRelaxed::Store(targets.Targets()[i].record->secondary, written_[i]);
     }
 }
