@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/kernels/MDelayKernels.h"
 
-#include "dsp/MBiquad.h"
+#include "dsp/kernels/MDelayKernelParts.h"
 #include "dsp/kernels/MVector.h"
 
 namespace M_KERNEL_NAMESPACE {
 namespace {
-
-// Two channels of a recursion always go side by side, whatever the width of the build.
-using Pair = double __attribute__((vector_size(16)));
 
 /// The value of `ramp` at sample `number`.
 template <class D>
@@ -205,123 +202,6 @@ void ExchangePanned(const MPannedLoop& loop, const float* const input[2], float*
     run(loop.ramps, input, line, output, ceiling, count);
 }
 
-/// One section on two channels; a single channel leaves the second lane silent.
-struct PairSection {
-    Pair b0, b1, b2, minusA1, minusA2, s1, s2;
-    MBiquadState* states;
-    int channels;
-
-    PairSection(const MBiquadCoefficients* c, MBiquadState* channelStates,
-                int channelCount) noexcept
-        : b0{},
-          b1{},
-          b2{},
-          minusA1{},
-          minusA2{},
-          s1{},
-          s2{},
-          states(channelStates),
-          channels(channelCount) {
-        if (c == nullptr) return;
-        b0 += c->b0;
-        b1 += c->b1;
-        b2 += c->b2;
-        minusA1 += c->minusA1;
-        minusA2 += c->minusA2;
-        s1[0] = states[0].s1;
-        s2[0] = states[0].s2;
-        if (channels > 1) {
-            s1[1] = states[1].s1;
-            s2[1] = states[1].s2;
-        }
-    }
-    Pair Run(Pair x) noexcept {
-        const Pair y = b0 * x + s1;
-        s1 = (b1 * x + s2) + minusA1 * y;
-        s2 = b2 * x + minusA2 * y;
-        return y;
-    }
-    void Keep() const noexcept {
-        states[0] = {s1[0], s2[0]};
-        if (channels > 1) states[1] = {s1[1], s2[1]};
-    }
-};
-
-template <bool isLimited>
-inline Pair Within(Pair x, Pair high) noexcept {
-    if constexpr (isLimited) x = x > high ? high : (x < -high ? -high : x);
-    return x;
-}
-
-/// Both sections in one loop: the second one's work hides behind the first one's recursion.
-template <bool hasFirst, bool hasSecond, bool isLimited, class Sample>
-void FilterAs(const MFilterPair& filters, double limit, Sample* const* samples, int channels,
-              int count) {
-    PairSection first(filters.first, filters.firstStates, channels);
-    PairSection second(filters.second, filters.secondStates, channels);
-    Sample* const left = samples[0];
-    Sample* const right = samples[channels - 1];
-    const Pair high = Pair{} + limit;
-    for (int i = 0; i < count; ++i) {
-        Pair x = {static_cast<double>(left[i]), static_cast<double>(right[i])};
-        if constexpr (hasFirst) x = Within<isLimited>(first.Run(x), high);
-        if constexpr (hasSecond) x = Within<isLimited>(second.Run(x), high);
-        right[i] = static_cast<Sample>(x[1]);
-        left[i] = static_cast<Sample>(x[0]);
-    }
-    if constexpr (hasFirst) first.Keep();
-    if constexpr (hasSecond) second.Keep();
-}
-
-template <bool isLimited, class Sample>
-void Filter(const MFilterPair& filters, double limit, Sample* const* samples, int channels,
-            int count) {
-    if (filters.first != nullptr && filters.second != nullptr) {
-        FilterAs<true, true, isLimited>(filters, limit, samples, channels, count);
-    } else if (filters.first != nullptr) {
-        FilterAs<true, false, isLimited>(filters, limit, samples, channels, count);
-    } else if (filters.second != nullptr) {
-        FilterAs<false, true, isLimited>(filters, limit, samples, channels, count);
-    }
-}
-
-void FilterLoop(const MFilterPair& filters, double limit, double* const* samples, int channels,
-                int count) {
-    Filter<true>(filters, limit, samples, channels, count);
-}
-
-void FilterInput(const MFilterPair& filters, float* const* samples, int channels, int count) {
-    Filter<false>(filters, 0, samples, channels, count);
-}
-
-/// tanh for 0 <= x <= pi, wrong by at most 2e-9: Lambert's continued fraction cut after nine terms
-/// (J. H. Lambert, 1768), as one quotient of polynomials so that it costs a single division.
-template <class D>
-inline D Tanh(D x) noexcept {
-    const D t = x * x;
-    const D above = x * ((((t + 990.0) * t + 135135.0) * t + 4729725.0) * t + 34459425.0);
-    const D below = (((45.0 * t + 13860.0) * t + 945945.0) * t + 16216200.0) * t + 34459425.0;
-    return above / below;
-}
-
-void Saturate(const MSaturationSettings& settings, double* samples, int count) {
-    // Keeps the recursion away from denormal numbers when the sound fades.
-    constexpr double kGuard = 1e-15;
-    const MSaturationSettings s = settings;
-    ForEach(count, [=](int i, auto lanes) {
-        using D = typename decltype(lanes)::Type;
-        const D one = lanes.Splat(1.0);
-        const D x = Load<D>(samples + i) + kGuard;
-        const D size = x < D{} ? -x : x;
-        const D inside = size < one ? size : one;
-        const D curve = Tanh<D>(inside * s.innerScale) * s.outerScale;
-        const D bent = size < one ? curve : one;
-        const D r = x < D{} ? -bent : bent;
-        const D even = r + s.even * ((r - x) * (r - x));
-        Store(samples + i, (1.0 - s.amount) * x + s.amount * even);
-    });
-}
-
 void Freeze(const float* position, const float* echo, double* loop, int count) {
     ForEach(count, [=](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
@@ -374,78 +254,6 @@ void Add(const float* echo, float* output, int count) {
         using F = typename decltype(lanes)::Type;
         Store(output + i, Load<F>(output + i) + Load<F>(echo + i));
     });
-}
-
-/// Where the lanes from sample `i` on are read.
-template <class D>
-inline D PlaceOf(const MStretch& s, int i) noexcept {
-    return s.offset + (static_cast<double>(s.step + i) + Lanes<D>::Iota()) * s.rate;
-}
-
-inline int WholePlace(const MStretch& s, int i) noexcept {
-    return static_cast<int>(PlaceOf<double>(s, i));
-}
-
-/// Whole vectors of neighbours: samples whose places are all equally many whole samples ahead.
-inline int StretchRun(const MStretch& s, const float* from, float* to, int i, int end) noexcept {
-    const int ahead = WholePlace(s, i) - i;
-    const float* const source = from + (ahead - s.skipped);
-    for (; i + kWidth <= end; i += kWidth) {
-        const Doubles whole = static_cast<double>(i + ahead) + Lanes<Doubles>::Iota();
-        const Doubles f = PlaceOf<Doubles>(s, i) - whole;
-        Store(to + i, Narrow((1.0 - f) * LoadWide(source + i) + f * LoadWide(source + i + 1)));
-    }
-    return i;
-}
-
-/// Vectors put together sample by sample, then the odd ones.
-inline void StretchScattered(const MStretch& s, const float* from, float* to, int i,
-                             int end) noexcept {
-    for (; i + kWidth <= end; i += kWidth) {
-        const Doubles place = PlaceOf<Doubles>(s, i);
-        Doubles whole{};
-        Floats before{}, after{};
-        for (int lane = 0; lane < kWidth; ++lane) {
-            const int j = static_cast<int>(place[lane]);
-            whole[lane] = j;
-            before[lane] = from[j - s.skipped];
-            after[lane] = from[j - s.skipped + 1];
-        }
-        const Doubles f = place - whole;
-        Store(to + i, Narrow((1.0 - f) * Widen(before) + f * Widen(after)));
-    }
-    for (; i < end; ++i) {
-        const double place = PlaceOf<double>(s, i);
-        const int j = static_cast<int>(place);
-        const double f = place - j;
-        to[i] = static_cast<float>((1.0 - f) * static_cast<double>(from[j - s.skipped]) +
-                                   f * static_cast<double>(from[j - s.skipped + 1]));
-    }
-}
-
-/// The end of the samples from `i` on that are as many whole samples ahead as `i` is.
-inline int RunEnd(const MStretch& s, int i, int count) noexcept {
-    const int ahead = WholePlace(s, i) - i;
-    int inside = i, outside = count;
-    if (WholePlace(s, count - 1) - (count - 1) == ahead) return count;
-    while (outside - inside > 1) {
-        const int middle = inside + (outside - inside) / 2;
-        (WholePlace(s, middle) - middle == ahead ? inside : outside) = middle;
-    }
-    return outside;
-}
-
-void Stretch(const MStretch& stretch, const float* from, float* to, int count) {
-    // Near the original speed there is a slip of one sample only now and then.
-    const bool hasRuns = stretch.rate > 0.97 && stretch.rate < 1.03;
-    int i = 0;
-    while (hasRuns && i < count) {
-        const int end = RunEnd(stretch, i, count);
-        i = StretchRun(stretch, from, to, i, end);
-        StretchScattered(stretch, from, to, i, end);
-        i = end;
-    }
-    StretchScattered(stretch, from, to, i, count);
 }
 
 }  // namespace
