@@ -63,22 +63,29 @@ inline Lanes RunSection(const Section& c, State& s, const Lanes& x) noexcept {
     return y;
 }
 
+/// Calls `job`(stage, section) for every section of a pass, unrolled: what it indexes by them stays
+/// in registers.
+template <int kStages, int kSections, class Job>
+inline void ForEachSection(Job job) noexcept {
+#pragma GCC unroll 5
+    for (int n = 0; n < kStages; ++n) {
+#pragma GCC unroll 5
+        for (int k = 0; k < kSections; ++k) job(n, k);
+    }
+}
+
 /// All sections of a pass run inside one loop over the frames: a section waits for its own last
 /// result, and meanwhile the others work. A stage hands its result to the next through memory.
 template <int kStages, int kSections>
 void RunPass(const MKernelStage* stages, int first, int frames) noexcept {
     Section sections[kStages][kSections];
     State states[kStages][kSections];
-#pragma GCC unroll 5
-    for (int n = 0; n < kStages; ++n) {
-#pragma GCC unroll 5
-        for (int k = 0; k < kSections; ++k) {
-            const MKernelFilter &a = stages[n].a, &b = stages[n].b;
-            const MKernelSectionState &stateA = a.states[first + k], &stateB = b.states[first + k];
-            sections[n][k] = LoadSection(a.sections[first + k], b.sections[first + k]);
-            states[n][k] = {Join(stateA.s1, stateB.s1), Join(stateA.s2, stateB.s2)};
-        }
-    }
+    ForEachSection<kStages, kSections>([&](int n, int k) {
+        const MKernelFilter &a = stages[n].a, &b = stages[n].b;
+        const MKernelSectionState &stateA = a.states[first + k], &stateB = b.states[first + k];
+        sections[n][k] = LoadSection(a.sections[first + k], b.sections[first + k]);
+        states[n][k] = {Join(stateA.s1, stateB.s1), Join(stateA.s2, stateB.s2)};
+    });
     for (int i = 0; i < 2 * frames; i += 2) {
 #pragma GCC unroll 5
         for (int n = 0; n < kStages; ++n) {
@@ -90,16 +97,12 @@ void RunPass(const MKernelStage* stages, int first, int frames) noexcept {
             Part(x, a.destination + i, b.destination + i);
         }
     }
-#pragma GCC unroll 5
-    for (int n = 0; n < kStages; ++n) {
-#pragma GCC unroll 5
-        for (int k = 0; k < kSections; ++k) {
-            MKernelSectionState& stateA = stages[n].a.states[first + k];
-            MKernelSectionState& stateB = stages[n].b.states[first + k];
-            Part(states[n][k].s1, stateA.s1, stateB.s1);
-            Part(states[n][k].s2, stateA.s2, stateB.s2);
-        }
-    }
+    ForEachSection<kStages, kSections>([&](int n, int k) {
+        MKernelSectionState& stateA = stages[n].a.states[first + k];
+        MKernelSectionState& stateB = stages[n].b.states[first + k];
+        Part(states[n][k].s1, stateA.s1, stateB.s1);
+        Part(states[n][k].s2, stateA.s2, stateB.s2);
+    });
 }
 
 /// Up to `kStages` stages of `kSections` sections in one pass, what is left over in shorter ones.
