@@ -34,6 +34,15 @@ void MOscillatorClock::Count(double perSample, int count) noexcept {
     samples_ += count;
 }
 
+double MOscillatorClock::FreePerSample(double rate, int sampleRate) noexcept {
+    if (rate != rate_ || sampleRate != sampleRate_) {
+        rate_ = rate;
+        sampleRate_ = sampleRate;
+        freePerSample_ = rate / sampleRate;
+    }
+    return freePerSample_;
+}
+
 void MOscillatorClock::FollowSong(const MModulatorSettings& settings,
                                   const MModulationPiece& piece) noexcept {
     const MTransport& transport = *piece.transport;
@@ -52,7 +61,7 @@ double MOscillatorClock::Advance(const MModulatorSettings& settings,
     if (settings.isSynchronised) {
         FollowSong(settings, piece);
     } else {
-        Count(settings.rate / piece.sampleRate, piece.count);
+        Count(FreePerSample(settings.rate, piece.sampleRate), piece.count);
     }
     const double cycles = start_ + static_cast<double>(samples_) * perSample_;
     constexpr double kEnd = 1 - 1e-9;  // what a whole cycle would be is the start of the next

@@ -19,10 +19,16 @@ public:
     double Advance(const MModulatorSettings& settings, const MModulationPiece& piece) noexcept;
 
 private:
+    double FreePerSample(double rate, int sampleRate) noexcept;
     void Count(double perSample, int count) noexcept;
     void FollowSong(const MModulatorSettings& settings, const MModulationPiece& piece) noexcept;
 
     double start_ = 0;          // cycles, where the counting began
     std::int64_t samples_ = 0;  // counted since
     double perSample_ = 0;      // cycles
+
+    // What a free oscillator's rate comes to, kept: the division is all that it takes time for.
+    double rate_ = 0;  // hertz
+    int sampleRate_ = 1;
+    double freePerSample_ = 0;
 };

@@ -84,7 +84,7 @@ void MBandParameters::FollowGains(int bandCount) noexcept {
         isAnyMoved = isAnyMoved || now[i] != amplitudes_.decibels[i];
     }
     if (!isAnyMoved) return;
-    std::array<double, Amplitudes::kCount> modulated;
+    std::array<double, Amplitudes::kCount> modulated{};
     kernels_.amplitudes(now.data(), modulated.data(), Amplitudes::kCount);
     for (int i = 0; i < Amplitudes::kCount; ++i) {
         if (now[i] == amplitudes_.decibels[i]) continue;
