@@ -161,13 +161,15 @@ inline void ForEachFloat(int count, Body body) noexcept {
 /// adders that the samples wait for.
 struct Numbering {
     static constexpr int kCount = 256;
+    static constexpr int kTwice = 2 * kCount;
 
     constexpr Numbering() noexcept {
-        for (int i = 0; i < kCount; ++i) numbers[i] = twice[2 * i] = twice[2 * i + 1] = i;
+        for (int i = 0; i < kCount; ++i) numbers[i] = i;
+        for (int i = 0; i < kTwice; ++i) twice[i] = numbers[i / 2];
     }
 
     alignas(64) double numbers[kCount]{};
-    alignas(64) double twice[2 * kCount]{};  ///< each of them two times
+    alignas(64) double twice[kTwice]{};  ///< each of them two times
 };
 inline constexpr Numbering kNumbering;
 
