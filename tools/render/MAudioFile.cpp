@@ -33,8 +33,7 @@ std::string LibraryMessage(SNDFILE* file) {
 [[noreturn]] void FailOpen(const char* action, const std::filesystem::path& path, int systemError) {
     const std::string reason =
         systemError != 0 ? SystemMessage(systemError) : LibraryMessage(nullptr);
-    throw MRenderFailure(MExitCode::File,
-                         MFormat("cannot {0} {1}: {2}", action, path.string(), reason));
+    FailFile(MFormat("cannot {0} {1}: {2}", action, path.string(), reason));
 }
 
 /// Why `path` cannot be read as a file at all; 0 when it can.
@@ -66,8 +65,8 @@ MAudioReader::MAudioReader(const std::filesystem::path& path) : path_(path) {
     file_ = Adopt(file);
     shape_ = {info.channels, info.samplerate};
     if (info.channels < 1 || info.channels > kMaxChannels) {
-        throw MRenderFailure(MExitCode::File, MFormat("{0} has {1} channels; 1 to {2} are possible",
-                                                      path.string(), info.channels, kMaxChannels));
+        FailFile(MFormat("{0} has {1} channels; 1 to {2} are possible", path.string(),
+                         info.channels, kMaxChannels));
     }
     if (info.frames >= 0 && info.frames < SF_COUNT_MAX) frames_ = info.frames;
     // The length of an MP3 stream is an estimate unless the file states it.
@@ -81,9 +80,8 @@ int MAudioReader::Read(std::span<float> samples) {
     if (got < wanted) {
         const bool isShort = frames_ && position_ < *frames_ && !mayEndEarly_;
         if (isShort || sf_error(Handle(file_)) != SF_ERR_NO_ERROR) {
-            throw MRenderFailure(MExitCode::File,
-                                 MFormat("{0} is broken: it ends after {1} of {2} frames",
-                                         path_.string(), position_, frames_.value_or(0)));
+            FailFile(MFormat("{0} is broken: it ends after {1} of {2} frames", path_.string(),
+                             position_, frames_.value_or(0)));
         }
     }
     for (float& sample : samples.first(static_cast<std::size_t>(got * shape_.channels))) {
@@ -127,14 +125,13 @@ void MAudioWriter::Check(std::int64_t writtenSamples, std::size_t wanted) {
     frames_ += writtenSamples / channels_;
     if (writtenSamples == static_cast<std::int64_t>(wanted)) return;
     const std::string reason = errno != 0 ? SystemMessage(errno) : LibraryMessage(Handle(file_));
-    throw MRenderFailure(MExitCode::File, "cannot write the output: " + reason);
+    FailFile("cannot write the output: " + reason);
 }
 
 void MAudioWriter::Truncate(std::int64_t frames) {
     sf_count_t count = frames;
     if (sf_command(Handle(file_), SFC_FILE_TRUNCATE, &count, sizeof count) != 0) {
-        throw MRenderFailure(MExitCode::File,
-                             "cannot shorten the output: " + LibraryMessage(Handle(file_)));
+        FailFile("cannot shorten the output: " + LibraryMessage(Handle(file_)));
     }
     frames_ = frames;
 }
@@ -145,7 +142,6 @@ void MAudioWriter::Close() {
     const int error = sf_error(Handle(file_));
     file_.reset();
     if (error != SF_ERR_NO_ERROR) {
-        throw MRenderFailure(MExitCode::File,
-                             MFormat("cannot write the output: {0}", sf_error_number(error)));
+        FailFile(MFormat("cannot write the output: {0}", sf_error_number(error)));
     }
 }

@@ -17,8 +17,6 @@ namespace {
 
 using Json = nlohmann::json;
 
-[[noreturn]] void Fail(const std::string& text) { throw MRenderFailure(MExitCode::Usage, text); }
-
 /// Runs `job`; its failures then begin with the place.
 template <class Job>
 auto At(const std::string& place, Job&& job) {
@@ -38,23 +36,23 @@ Json Parse(const std::string& text) {
         const auto end = text.begin() + static_cast<std::ptrdiff_t>(read > 0 ? read - 1 : 0);
         const auto lines = std::count(text.begin(), end, '\n');
         const auto lineStart = std::find(std::make_reverse_iterator(end), text.rend(), '\n').base();
-        Fail(MFormat("no JSON near line {0}, column {1}", static_cast<int>(lines) + 1,
-                     static_cast<int>(end - lineStart) + 1));
+        FailUsage(MFormat("no JSON near line {0}, column {1}", static_cast<int>(lines) + 1,
+                          static_cast<int>(end - lineStart) + 1));
     } catch (const Json::exception&) {
-        Fail("a number is too large");
+        FailUsage("a number is too large");
     }
 }
 
 void CheckKeys(const Json& object, const char* what,
                std::initializer_list<std::string_view> known) {
-    if (!object.is_object()) Fail(MFormat("{0} is an object in braces", what));
+    if (!object.is_object()) FailUsage(MFormat("{0} is an object in braces", what));
     std::string list;
     for (const std::string_view key : known) {
         list += MFormat("{0}\"{1}\"", list.empty() ? "" : ", ", key);
     }
     for (const auto& [key, value] : object.items()) {
         if (std::find(known.begin(), known.end(), key) != known.end()) continue;
-        Fail(MFormat("unknown \"{0}\"; {1} has {2}", key, what, list));
+        FailUsage(MFormat("unknown \"{0}\"; {1} has {2}", key, what, list));
     }
 }
 
@@ -69,7 +67,7 @@ int ReadChoice(const Json& object, const char* key, std::initializer_list<const 
         if (*found == choice) return index;
         list += MFormat("{0}\"{1}\"", index++ == 0 ? "" : " or ", choice);
     }
-    Fail(MFormat("\"{0}\" is {1}", key, list));
+    FailUsage(MFormat("\"{0}\" is {1}", key, list));
 }
 
 MTimeUnit ReadUnit(const Json& object, MTimeUnit absent) {
@@ -80,7 +78,7 @@ MTimeUnit ReadUnit(const Json& object, MTimeUnit absent) {
 const Json& ReadArray(const Json& object, const char* key) {
     const auto found = object.find(key);
     if (found == object.end() || !found->is_array()) {
-        Fail(MFormat("\"{0}\" must be a list in brackets", key));
+        FailUsage(MFormat("\"{0}\" must be a list in brackets", key));
     }
     return *found;
 }
@@ -92,7 +90,7 @@ public:
     MRenderLane Read(const Json& lane) {
         CheckKeys(lane, "a lane", {"parameter", "points", "curve", "unit"});
         const auto name = lane.find("parameter");
-        if (name == lane.end() || !name->is_string()) Fail("\"parameter\" must be a name");
+        if (name == lane.end() || !name->is_string()) FailUsage("\"parameter\" must be a name");
         parameters_ = reader_.List().Find(name->get<std::string>());
 
         MRenderLane result;
@@ -104,10 +102,10 @@ public:
             At(MFormat("point {0}", static_cast<int>(i) + 1), [&] {
                 MRenderPoint point = ReadPoint(points[i]);
                 if (result.isLinear && point.writes.size() != parameters_.size()) {
-                    Fail("a linear lane cannot glide to a note");
+                    FailUsage("a linear lane cannot glide to a note");
                 }
                 if (!result.points.empty() && point.time < result.points.back().time) {
-                    Fail("its time is before that of the point ahead of it");
+                    FailUsage("its time is before that of the point ahead of it");
                 }
                 result.points.push_back(std::move(point));
             });
@@ -120,7 +118,7 @@ private:
         for (const int index : parameters_) {
             const ParameterKind kind = reader_.List().Record(index).kind;
             if (kind == ParameterKind::Float || kind == ParameterKind::Int) continue;
-            Fail(reader_.List()[index].name + " cannot glide; its curve is \"step\"");
+            FailUsage(reader_.List()[index].name + " cannot glide; its curve is \"step\"");
         }
     }
 
@@ -128,10 +126,10 @@ private:
         CheckKeys(point, "a point", {"time", "value"});
         const auto time = point.find("time");
         if (time == point.end() || !time->is_number() || time->get<double>() < 0) {
-            Fail("\"time\" must be a number from 0 on");
+            FailUsage("\"time\" must be a number from 0 on");
         }
         const auto value = point.find("value");
-        if (value == point.end()) Fail("\"value\" is missing");
+        if (value == point.end()) FailUsage("\"value\" is missing");
         return {time->get<double>(), ReadValue(*value)};
     }
 
@@ -144,7 +142,7 @@ private:
             value["normalised"].is_number()) {
             return reader_.ReadPosition(parameters_, value["normalised"].get<double>());
         }
-        Fail("\"value\" must be a text, a number, true, false or {\"normalised\": 0..1}");
+        FailUsage("\"value\" must be a text, a number, true, false or {\"normalised\": 0..1}");
     }
 
     const MSettingReader& reader_;

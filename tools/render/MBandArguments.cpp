@@ -13,16 +13,14 @@ namespace {
 
 using Crossover = MBandSetup::Crossover;
 
-[[noreturn]] void Fail(const std::string& text) { throw MRenderFailure(MExitCode::Usage, text); }
-
 std::vector<double> ReadLimits(const std::vector<std::string>& typed) {
     std::vector<double> limits;
     for (const std::string& text : typed) {
         const auto hertz = MValueFrequency::Parse(text);
         if (!hertz || !(*hertz >= 20 && *hertz <= 20000)) {
-            Fail(MFormat("--limits does not take \"{0}\"; it takes 20 Hz to 20 kHz", text));
+            FailUsage(MFormat("--limits does not take \"{0}\"; it takes 20 Hz to 20 kHz", text));
         }
-        if (!limits.empty() && *hertz <= limits.back()) Fail("--limits must go upwards");
+        if (!limits.empty() && *hertz <= limits.back()) FailUsage("--limits must go upwards");
         limits.push_back(*hertz);
     }
     return limits;
@@ -32,11 +30,11 @@ std::vector<double> ReadLimits(const std::vector<std::string>& typed) {
 int ReadCount(const std::optional<int>& bands, std::size_t limits) {
     const int count = bands.value_or(static_cast<int>(limits) + 1);
     if (count < 1 || count > MBandSetup::kMaxBands) {
-        Fail(MFormat("there are 1 to {0} bands, not {1}", MBandSetup::kMaxBands, count));
+        FailUsage(MFormat("there are 1 to {0} bands, not {1}", MBandSetup::kMaxBands, count));
     }
     if (limits > 0 && static_cast<int>(limits) != count - 1) {
-        Fail(MFormat("--bands {0} takes {1} --limits, not {2}", count, count - 1,
-                     static_cast<int>(limits)));
+        FailUsage(MFormat("--bands {0} takes {1} --limits, not {2}", count, count - 1,
+                          static_cast<int>(limits)));
     }
     return count;
 }
@@ -46,20 +44,21 @@ Crossover ReadCrossover(const std::string& typed) {
     for (const auto kind : {Crossover::Analog, Crossover::LinearPhase, Crossover::Hybrid}) {
         if (MText::EqualsIgnoringCase(typed, kNames[static_cast<int>(kind)])) return kind;
     }
-    Fail(MFormat("--crossover does not take \"{0}\"; it takes analog, linear or hybrid", typed));
+    FailUsage(
+        MFormat("--crossover does not take \"{0}\"; it takes analog, linear or hybrid", typed));
 }
 
 MAudioFilters::CrossoverGeneralizedType ReadSlope(int typed) {
     const auto slope = MAudioFilters::FindCrossoverSlope(MFormat("{0}dB/oct", typed));
     if (!slope)
-        Fail(MFormat("--slope does not take {0}; it takes 12, 24, 48, 72, 96 or 120", typed));
+        FailUsage(MFormat("--slope does not take {0}; it takes 12, 24, 48, 72, 96 or 120", typed));
     return *slope;
 }
 
 void CheckBands(const char* option, const std::vector<int>& bands, int count) {
     for (const int band : bands) {
         if (band >= 1 && band <= count) continue;
-        Fail(MFormat("{0} {1}: there is no such band, --bands is {2}", option, band, count));
+        FailUsage(MFormat("{0} {1}: there is no such band, --bands is {2}", option, band, count));
     }
 }
 
@@ -75,7 +74,7 @@ MBandSetup MBandArguments::Read() const {
     setup.limits = ReadLimits(limits);
     setup.count = ReadCount(bands, setup.limits.size());
     if (setup.count == 1 && (crossover || slope)) {
-        Fail("--crossover and --slope need --bands 2 or more");
+        FailUsage("--crossover and --slope need --bands 2 or more");
     }
     if (crossover) setup.crossover = ReadCrossover(*crossover);
     // Kept for whatever crossover runs, as the plug-in keeps it; only the analog one is shaped by

@@ -13,9 +13,8 @@ std::string MReadFileContents(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     const bool isFolder = std::filesystem::is_directory(path);
     if (!file || isFolder) {
-        throw MRenderFailure(MExitCode::File,
-                             MFormat("cannot read {0}: {1}", path.string(),
-                                     std::generic_category().message(isFolder ? EISDIR : errno)));
+        FailFile(MFormat("cannot read {0}: {1}", path.string(),
+                         std::generic_category().message(isFolder ? EISDIR : errno)));
     }
     std::ostringstream text;
     text << file.rdbuf();

@@ -48,7 +48,7 @@ MLibraryProcessor::MLibraryProcessor(const std::string& path, MPluginProcessor& 
         library_.emplace(path);
         host_.emplace(library_->FindVst2Entry());
     } catch (const MException& exception) {
-        throw MRenderFailure(MExitCode::File, exception.Text());
+        FailFile(exception.Text());
     }
     MatchParameters();
     CarryOverState();

@@ -3,19 +3,13 @@
 
 #include "tools/render/MRenderFailure.h"
 
-namespace {
-
-[[noreturn]] void Fail(const char* text) { throw MRenderFailure(MExitCode::File, text); }
-
-}  // namespace
-
 std::uint8_t MMIDIBytes::Peek() const {
-    if (rest_.empty()) Fail("it ends too early");
+    if (rest_.empty()) FailFile("it ends too early");
     return static_cast<std::uint8_t>(rest_.front());
 }
 
 std::string_view MMIDIBytes::Take(std::uint32_t count) {
-    if (count > rest_.size()) Fail("it ends too early");
+    if (count > rest_.size()) FailFile("it ends too early");
     const std::string_view taken = rest_.substr(0, count);
     rest_.remove_prefix(count);
     return taken;
@@ -36,5 +30,5 @@ std::uint32_t MMIDIBytes::Length() {
         number = number << 7 | (byte & 0x7FU);
         if (byte < 0x80) return number;
     }
-    Fail("a time or length has more than four bytes");
+    FailFile("a time or length has more than four bytes");
 }

@@ -12,8 +12,6 @@
 
 namespace {
 
-[[noreturn]] void Fail(const std::string& text) { throw MRenderFailure(MExitCode::File, text); }
-
 /// How long a tick is.
 struct Clock {
     int ticksPerQuarter = 0;    // 0 when ticks have a length of their own
@@ -26,13 +24,13 @@ struct Clock {
 
 Clock ReadClock(std::uint32_t division) {
     if ((division & 0x8000U) == 0) {
-        if (division == 0) Fail("a quarter note has no length");
+        if (division == 0) FailFile("a quarter note has no length");
         return {static_cast<int>(division), 0};
     }
     const auto frames = static_cast<int>(256 - (division >> 8));
     const auto ticks = static_cast<int>(division & 0xFFU);
     const bool isKnown = frames == 24 || frames == 25 || frames == 29 || frames == 30;
-    if (!isKnown || ticks == 0) Fail("its ticks have no length");
+    if (!isKnown || ticks == 0) FailFile("its ticks have no length");
     const double framesPerSecond = frames == 29 ? 30000 / 1001.0 : frames;
     return {0, 1 / (framesPerSecond * ticks)};
 }
@@ -63,13 +61,13 @@ std::vector<MMIDIFileEvent> TimedBy(const Clock& clock,
 
 std::vector<MMIDIFileEvent> MReadMIDI(std::string_view bytes) {
     MMIDIBytes file(bytes);
-    if (!bytes.starts_with("MThd")) Fail("it is no MIDI file");
+    if (!bytes.starts_with("MThd")) FailFile("it is no MIDI file");
     file.Take(4);
     MMIDIBytes header(file.Take(file.Number(4)));
     const std::uint32_t format = header.Number(2);
     std::uint32_t tracks = header.Number(2);
     const Clock clock = ReadClock(header.Number(2));
-    if (format > 1) Fail("it holds songs that do not belong together (format 2)");
+    if (format > 1) FailFile("it holds songs that do not belong together (format 2)");
 
     std::vector<MMIDITrackEvent> events;
     while (tracks > 0) {
@@ -91,6 +89,6 @@ std::vector<MMIDIFileEvent> MReadMIDIFile(const std::filesystem::path& path) {
     try {
         return MReadMIDI(contents);
     } catch (const MRenderFailure& failure) {
-        Fail(MFormat("cannot use {0}: {1}", path.string(), failure.Text()));
+        FailFile(MFormat("cannot use {0}: {1}", path.string(), failure.Text()));
     }
 }

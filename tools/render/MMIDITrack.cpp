@@ -6,8 +6,6 @@
 
 namespace {
 
-[[noreturn]] void Fail(const char* text) { throw MRenderFailure(MExitCode::File, text); }
-
 bool IsStatus(std::uint8_t byte) { return byte >= 0x80; }
 
 /// Reads one track event by event.
@@ -26,7 +24,7 @@ public:
 private:
     void ReadEvent() {
         const std::uint8_t status = IsStatus(bytes_.Peek()) ? bytes_.Byte() : running_;
-        if (status == 0) Fail("a track has a value without an event that it belongs to");
+        if (status == 0) FailFile("a track has a value without an event that it belongs to");
         running_ = 0;  // only events of a channel may leave their status out
         if (status < 0xF0) {
             ReadMessage(status);
@@ -35,7 +33,7 @@ private:
         } else if (status == 0xF0 || status == 0xF7) {
             bytes_.Take(bytes_.Length());
         } else {
-            Fail("a track has an event that no file may have");
+            FailFile("a track has an event that no file may have");
         }
     }
 
@@ -43,7 +41,8 @@ private:
         const bool hasOneValue = (status & 0xE0) == 0xC0;
         const std::uint8_t first = bytes_.Byte();
         const std::uint8_t second = hasOneValue ? std::uint8_t{0} : bytes_.Byte();
-        if (IsStatus(first) || IsStatus(second)) Fail("a track has an event without its values");
+        if (IsStatus(first) || IsStatus(second))
+            FailFile("a track has an event without its values");
         running_ = status;
         events_.push_back({tick_, 0, {status, first, second, 0}});
     }
@@ -56,7 +55,7 @@ private:
         if (type == kEndOfTrack) isOver_ = true;
         if (type != kTempo) return;
         const auto tempo = static_cast<int>(content.Number(3));
-        if (tempo == 0) Fail("a tempo is infinitely fast");
+        if (tempo == 0) FailFile("a tempo is infinitely fast");
         events_.push_back({tick_, tempo, {}});
     }
 

@@ -13,8 +13,6 @@ namespace {
 constexpr const char* kExample =
     "\"sine 0.5 Hz -> Band limit 1: 200 Hz .. 800 Hz; Feedback: +-20%\"";
 
-[[noreturn]] void Fail(const std::string& text) { throw MRenderFailure(MExitCode::Usage, text); }
-
 /// The part of the way that "+-20%" means; empty for anything else.
 std::optional<MTargetMotion> ReadSwing(std::string_view text) {
     MTargetMotion motion;
@@ -34,7 +32,7 @@ std::optional<MTargetMotion> ReadSwing(std::string_view text) {
     const bool isBoth = motion.mode == MTargetMode::CentreAndDepth;
     motion.depth = number->value * 0.01 * (isBoth ? 2 : 1);
     if (!(motion.depth >= 0 && motion.depth <= 1)) {
-        Fail(MFormat("a swing is {0}", isBoth ? "+-0% to +-50%" : "0% to 100%"));
+        FailUsage(MFormat("a swing is {0}", isBoth ? "+-0% to +-50%" : "0% to 100%"));
     }
     return motion;
 }
@@ -44,7 +42,7 @@ std::optional<MTargetMotion> ReadSwing(std::string_view text) {
 void MModulationReader::Read(std::string_view text, MLFOSettings& settings) const {
     const std::size_t arrow = text.find("->");
     if (arrow == std::string_view::npos) {
-        Fail(MFormat("\"{0}\" is no modulation; write it as {1}", text, kExample));
+        FailUsage(MFormat("\"{0}\" is no modulation; write it as {1}", text, kExample));
     }
     MReadModulationSource(MText::Trim(text.substr(0, arrow)), settings.modulator);
     settings.modulator.isEnabled = true;
@@ -56,11 +54,11 @@ void MModulationReader::Read(std::string_view text, MLFOSettings& settings) cons
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     if (settings.targets.empty()) {
-        Fail(MFormat("\"{0}\" moves nothing; write it as {1}", text, kExample));
+        FailUsage(MFormat("\"{0}\" moves nothing; write it as {1}", text, kExample));
     }
     if (settings.targets.size() > MModulationTarget::kMaxTargets) {
-        Fail(MFormat("\"{0}\" moves {1} parameters; a modulator moves up to {2}", text,
-                     settings.targets.size(), MModulationTarget::kMaxTargets));
+        FailUsage(MFormat("\"{0}\" moves {1} parameters; a modulator moves up to {2}", text,
+                          settings.targets.size(), MModulationTarget::kMaxTargets));
     }
 }
 
@@ -68,7 +66,7 @@ void MModulationReader::ReadTarget(std::string_view text,
                                    std::vector<MModulationTarget>& targets) const {
     const std::size_t colon = text.find(':');
     if (colon == std::string_view::npos) {
-        Fail(MFormat("\"{0}\" does not say how far; write it as \"Feedback: +-20%\"", text));
+        FailUsage(MFormat("\"{0}\" does not say how far; write it as \"Feedback: +-20%\"", text));
     }
     const std::string_view way = MText::Trim(text.substr(colon + 1));
     const std::size_t dots = way.find("..");
@@ -83,7 +81,7 @@ void MModulationReader::ReadTarget(std::string_view text,
         } else if (const auto swing = ReadSwing(way)) {
             target.motion = *swing;
         } else {
-            Fail(
+            FailUsage(
                 MFormat("{0} does not move by \"{1}\"; write a range such as \"{2} .. {3}\", or a "
                         "part of it such as \"+-20%\", \"+20%\" or \"-20%\"",
                         list[parameter].name, way,
@@ -107,7 +105,7 @@ double MModulationReader::ReadPosition(int parameter, std::string_view text) con
     const std::vector<int> one = {parameter};
     const std::vector<MRenderWrite> writes = reader_.ReadText(one, std::string(text));
     if (writes.size() != 1 || writes.front().parameter != parameter) {
-        Fail(MFormat("{0} does not move to \"{1}\"", reader_.List()[parameter].name, text));
+        FailUsage(MFormat("{0} does not move to \"{1}\"", reader_.List()[parameter].name, text));
     }
     return reader_.List().Record(parameter).ToNormalised(writes.front().value);
 }

@@ -14,8 +14,6 @@
 
 namespace {
 
-[[noreturn]] void Fail(const std::string& text) { throw MRenderFailure(MExitCode::Usage, text); }
-
 constexpr std::pair<std::string_view, MShape> kShapes[] = {
     {"sine", MShape::Sine},           {"triangle", MShape::Triangle},
     {"saw", MShape::SawUp},           {"sawdown", MShape::SawDown},
@@ -78,13 +76,13 @@ double Take(Words& words, const Option& option) {
                 : option.units == "db " ? " dB"
                 : option.units == "% "  ? ", or percent"
                                         : "");
-    if (!number) Fail(wanted);
+    if (!number) FailUsage(wanted);
     double value = number->first;
     const std::string& unit = number->second;
     if (unit == "ms") value *= 0.001;
     if (unit == "%") value *= 0.01;
     const bool fits = unit.empty() || option.units.find(unit + " ") != std::string_view::npos;
-    if (!fits || !(value >= option.minimum && value <= option.maximum)) Fail(wanted);
+    if (!fits || !(value >= option.minimum && value <= option.maximum)) FailUsage(wanted);
     return value;
 }
 
@@ -95,7 +93,8 @@ bool ReadNote(const std::string& word, MModulatorSettings& settings) {
     const std::string type = end == std::string::npos ? "" : word.substr(end);
     const auto length = MReadChoice(MTempoSync::LengthNames(), word.substr(0, end));
     if (!length || (!type.empty() && type != "d" && type != "t")) {
-        Fail(MFormat("\"{0}\" is no note; write it as 1/4, 1/8d (dotted) or 1/8t (triplet)", word));
+        FailUsage(
+            MFormat("\"{0}\" is no note; write it as 1/4, 1/8d (dotted) or 1/8t (triplet)", word));
     }
     settings.isSynchronised = true;
     settings.syncLength = static_cast<int>(*length);
@@ -111,10 +110,11 @@ void ReadSteps(Words& words, MShapeSettings& shape) {
         const auto number = words.TakeNumber();
         if (!number) break;
         const double value = number->second == "%" ? number->first * 0.01 : number->first;
-        if (!(value >= 0 && value <= 1)) Fail("steps are 0 to 1");
+        if (!(value >= 0 && value <= 1)) FailUsage("steps are 0 to 1");
         shape.steps[shape.stepCount++] = value;
     }
-    if (shape.stepCount == 0) Fail("steps takes up to 64 values, such as \"1/4 values 0 0.5 1\"");
+    if (shape.stepCount == 0)
+        FailUsage("steps takes up to 64 values, such as \"1/4 values 0 0.5 1\"");
 }
 
 void ReadName(const std::string& word, MModulatorSettings& settings) {
@@ -131,7 +131,7 @@ void ReadName(const std::string& word, MModulatorSettings& settings) {
     } else if (word == "walk") {
         settings.source = MModulatorSource::RandomWalk;
     } else {
-        Fail(MFormat("\"{0}\" is no source of modulation; there are {1}", word, kSources));
+        FailUsage(MFormat("\"{0}\" is no source of modulation; there are {1}", word, kSources));
     }
 }
 
@@ -196,7 +196,7 @@ bool ReadOption(Words& words, const std::vector<Option>& options, MModulatorSett
 
 void MReadModulationSource(std::string_view text, MModulatorSettings& settings) {
     Words words(text);
-    if (words.IsDone()) Fail(MFormat("a modulation begins with its source: {0}", kSources));
+    if (words.IsDone()) FailUsage(MFormat("a modulation begins with its source: {0}", kSources));
     ReadName(words.Take(), settings);
     double seed = settings.shape.seed;
     const std::vector<Option> options = OptionsOf(settings, seed);
@@ -219,7 +219,7 @@ void MReadModulationSource(std::string_view text, MModulatorSettings& settings) 
             known = "a rate, a note such as 1/4, once, values";
         }
         for (const Option& option : options) known += MFormat(", {0}", option.word);
-        Fail(MFormat("\"{0}\" means nothing here; there are {1}", word, known));
+        FailUsage(MFormat("\"{0}\" means nothing here; there are {1}", word, known));
     }
     settings.shape.seed = static_cast<std::uint32_t>(seed);
 }

@@ -49,8 +49,6 @@ std::optional<int> IndexOf(const Range& range, const std::string& wanted) {
     return static_cast<int>(found - range.begin());
 }
 
-[[noreturn]] void Fail(const std::string& text) { throw MRenderFailure(MExitCode::Usage, text); }
-
 }  // namespace
 
 MParameterList::MParameterList(const MBlockProcessor& processor)
@@ -94,8 +92,9 @@ std::vector<int> MParameterList::Find(std::string_view name) const {
     CheckBand(band);
     if (!setting) return {*ownIndex};
     if (ownIndex) {
-        Fail(MFormat("\"{0}\" may be \"{1}\" or \"Band {2} {3}\"; say which", MText::Trim(name),
-                     parameters_[*ownIndex].name, band, settings_[*setting].fullName));
+        FailUsage(MFormat("\"{0}\" may be \"{1}\" or \"Band {2} {3}\"; say which",
+                          MText::Trim(name), parameters_[*ownIndex].name, band,
+                          settings_[*setting].fullName));
     }
     return OfBand(band, *setting);
 }
@@ -142,7 +141,7 @@ std::vector<int> MParameterList::OfBand(int band, int setting) const {
 
 void MParameterList::CheckBand(int band) const {
     if (band <= bandCount_) return;
-    Fail(MFormat("there is no band {0}: --bands is {1}", band, bandCount_));
+    FailUsage(MFormat("there is no band {0}: --bands is {1}", band, bandCount_));
 }
 
 void MParameterList::FailUnknown(std::string_view typed, const std::string& simple) const {
@@ -152,7 +151,7 @@ void MParameterList::FailUnknown(std::string_view typed, const std::string& simp
         text += separator + nearest;
         separator = ", ";
     }
-    Fail(text + " (--list-parameters shows all)");
+    FailUsage(text + " (--list-parameters shows all)");
 }
 
 std::vector<std::string> MParameterList::NearestNames(const std::string& simple) const {

@@ -32,7 +32,7 @@ const MPreset& MPresetNames::Find(const std::string& path) const {
         [&](const auto& left, const auto& right) { return distance(left) < distance(right); });
     std::string text = MFormat("there is no preset \"{0}\"", path);
     if (nearest != list_->entries.end()) text += MFormat("; the nearest is \"{0}\"", nearest->path);
-    throw MRenderFailure(MExitCode::Usage, text + " (--list-presets shows all)");
+    FailUsage(text + " (--list-presets shows all)");
 }
 
 std::string MPresetNames::Table() const {

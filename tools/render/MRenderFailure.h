@@ -20,6 +20,14 @@ private:
     MExitCode code_;
 };
 
+/// Ends the render for what the user has asked for, or for what a file is. [main]
+[[noreturn]] inline void FailUsage(std::string text) {
+    throw MRenderFailure(MExitCode::Usage, std::move(text));
+}
+[[noreturn]] inline void FailFile(std::string text) {
+    throw MRenderFailure(MExitCode::File, std::move(text));
+}
+
 /// The user asked to stop (interrupt, end of session).
 class MRenderCancelled : public MException {
 public:

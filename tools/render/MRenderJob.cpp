@@ -54,8 +54,7 @@ MRenderSummary MRenderJob::Run() {
 void MRenderJob::CheckOutput() const {
     std::error_code ignored;
     if (!settings_.overwrite && std::filesystem::exists(settings_.output, ignored)) {
-        throw MRenderFailure(MExitCode::File, MFormat("{0} exists; --overwrite replaces it",
-                                                      settings_.output.string()));
+        FailFile(MFormat("{0} exists; --overwrite replaces it", settings_.output.string()));
     }
 }
 

@@ -97,17 +97,16 @@ struct Typed {
     bool listPresets = false;
 };
 
-[[noreturn]] void Fail(const std::string& text) { throw MRenderFailure(MExitCode::Usage, text); }
-
 MTail ReadTail(const std::string& typed, double tailMax) {
     constexpr double kLongest = 24 * 3600;  // seconds
-    if (!(tailMax >= 0 && tailMax <= kLongest)) Fail("--tail-max takes seconds, 0 to 86400");
+    if (!(tailMax >= 0 && tailMax <= kLongest)) FailUsage("--tail-max takes seconds, 0 to 86400");
     if (MText::EqualsIgnoringCase(typed, "auto")) return {MTail::Kind::Auto, tailMax};
     if (MText::EqualsIgnoringCase(typed, "none")) return {MTail::Kind::None, 0};
     const auto number = MText::ReadLeadingNumber(typed);
     const bool isSeconds = number && (number->rest.empty() || number->rest == "s");
     if (!isSeconds || number->value < 0 || number->value > kLongest) {
-        Fail("--tail does not take \"" + typed + "\"; it takes auto, none or seconds up to 86400");
+        FailUsage("--tail does not take \"" + typed +
+                  "\"; it takes auto, none or seconds up to 86400");
     }
     return {MTail::Kind::Seconds, number->value};
 }
@@ -119,7 +118,7 @@ MSampleFormat ReadFormat(const std::string& typed) {
         {"pcm16", MSampleFormat::Pcm16}, {"pcm24", MSampleFormat::Pcm24}};
     const auto found = formats.find(MText::ToLower(typed));
     if (found == formats.end()) {
-        Fail("--format does not take \"" + typed + "\"; it takes float, 24 or 16");
+        FailUsage("--format does not take \"" + typed + "\"; it takes float, 24 or 16");
     }
     return found->second;
 }
@@ -130,7 +129,7 @@ void CheckOutputName(const std::filesystem::path& output) {
                                                          ".aif",  ".aiff", ".opus"};
     const std::string extension = MText::ToLower(output.extension().string());
     if (std::find(kOthers.begin(), kOthers.end(), extension) != kOthers.end()) {
-        Fail("the output is a WAV file; " + output.string() + " should end in .wav");
+        FailUsage("the output is a WAV file; " + output.string() + " should end in .wav");
     }
 }
 
@@ -243,19 +242,20 @@ void AddLevels(const Typed& typed, MRenderOptions& options) {
 /// Throws for what is out of range or does not go together.
 void Check(const MRenderOptions& options, const Typed& typed) {
     const MRenderSettings& render = options.render;
-    if (!(render.tempo >= 1 && render.tempo <= 999)) Fail("--bpm takes 1 to 999");
-    if (render.blockSize < 1 || render.blockSize > 65536) Fail("--block-size takes 1 to 65536");
+    if (!(render.tempo >= 1 && render.tempo <= 999)) FailUsage("--bpm takes 1 to 999");
+    if (render.blockSize < 1 || render.blockSize > 65536)
+        FailUsage("--block-size takes 1 to 65536");
     const bool bringsBands = !options.state.empty() || !options.preset.empty();
     if (!options.state.empty() && !options.preset.empty()) {
-        Fail("--state and --preset do not go together");
+        FailUsage("--state and --preset do not go together");
     }
     if (bringsBands && !typed.bands.IsEmpty()) {
-        Fail(
+        FailUsage(
             "--state and --preset bring bands of their own; --bands and the like do not go with "
             "them");
     }
     if (options.modulations.size() > MModulationPlan::kModulators) {
-        Fail("there are four modulators; --modulate is given too often");
+        FailUsage("there are four modulators; --modulate is given too often");
     }
 }
 
@@ -277,7 +277,7 @@ MRenderOptions MRenderOptions::Parse(int argc, const char* const* argv) {
     } catch (const CLI::CallForVersion&) {
         options.text = app.version() + "\n";
     } catch (const CLI::ParseError& error) {
-        Fail(std::string(error.what()) + " (see --help)");
+        FailUsage(std::string(error.what()) + " (see --help)");
     }
     if (!options.text.empty()) {
         options.action = Action::ShowText;
@@ -300,7 +300,7 @@ MRenderOptions MRenderOptions::Parse(int argc, const char* const* argv) {
         return options;
     }
     if (render.input.empty() || render.output.empty()) {
-        Fail("an input and an output file are needed (see --help)");
+        FailUsage("an input and an output file are needed (see --help)");
     }
     CheckOutputName(render.output);
     return options;

@@ -12,8 +12,6 @@
 
 namespace {
 
-[[noreturn]] void Fail(const std::string& text) { throw MRenderFailure(MExitCode::Usage, text); }
-
 std::string Quote(std::string_view text) { return MFormat("\"{0}\"", text); }
 
 /// The full name of a note type for its usual abbreviations.
@@ -68,7 +66,7 @@ std::string Listed(const std::vector<std::string>& choices) {
 std::vector<MRenderWrite> MSettingReader::Read(std::string_view setting) const {
     const std::size_t equals = setting.find('=');
     if (equals == std::string_view::npos) {
-        Fail(Quote(setting) + " is no setting; write it as name=value");
+        FailUsage(Quote(setting) + " is no setting; write it as name=value");
     }
     const std::string text(MText::Trim(setting.substr(equals + 1)));
     return ReadText(list_.Find(setting.substr(0, equals)), text);
@@ -77,7 +75,7 @@ std::vector<MRenderWrite> MSettingReader::Read(std::string_view setting) const {
 MRenderLane MSettingReader::ReadTimed(std::string_view setting) const {
     const auto number = MText::ReadLeadingNumber(setting);
     if (!number || number->value < 0) {
-        Fail(Quote(setting) + " is no timed setting; write it as \"seconds name=value\"");
+        FailUsage(Quote(setting) + " is no timed setting; write it as \"seconds name=value\"");
     }
     double seconds = number->value;
     std::string_view rest = number->rest;
@@ -114,7 +112,7 @@ std::vector<MRenderWrite> MSettingReader::ReadNumber(std::span<const int> parame
 std::vector<MRenderWrite> MSettingReader::ReadPosition(std::span<const int> parameters,
                                                        double position) const {
     if (!(position >= 0 && position <= 1)) {
-        Fail("a normalised value is 0 to 1, not " + MText::WriteNumber(position));
+        FailUsage("a normalised value is 0 to 1, not " + MText::WriteNumber(position));
     }
     std::vector<MRenderWrite> writes;
     for (const int index : parameters) {
@@ -164,7 +162,8 @@ std::optional<std::vector<MRenderWrite>> MSettingReader::ReadNote(int panel,
 }
 
 void MSettingReader::FailValue(int index, std::string_view value) const {
-    Fail(MFormat("{0} does not take {1}; it takes {2}", list_[index].name, value, Accepted(index)));
+    FailUsage(
+        MFormat("{0} does not take {1}; it takes {2}", list_[index].name, value, Accepted(index)));
 }
 
 /// The panel of the synchronisation that takes the place of the delay time at `index`.

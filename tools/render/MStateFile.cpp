@@ -16,8 +16,7 @@ namespace {
 
 [[noreturn]] void Fail(const char* action, const std::filesystem::path& file,
                        const std::string& reason) {
-    throw MRenderFailure(MExitCode::File,
-                         MFormat("cannot {0} {1}: {2}", action, file.string(), reason));
+    FailFile(MFormat("cannot {0} {1}: {2}", action, file.string(), reason));
 }
 
 std::vector<std::uint8_t> Read(const std::filesystem::path& file) {
@@ -54,8 +53,7 @@ void MStateFile::Load(MAudioPlugin& plugin, const std::filesystem::path& file) {
 void MStateFile::Save(MAudioPlugin& plugin, const std::filesystem::path& file, bool overwrites) {
     std::error_code error;
     if (!overwrites && std::filesystem::exists(file, error)) {
-        throw MRenderFailure(MExitCode::File,
-                             MFormat("{0} exists; --overwrite replaces it", file.string()));
+        FailFile(MFormat("{0} exists; --overwrite replaces it", file.string()));
     }
     MTemporaryFile written(file);
     const std::string text = MPluginState::SaveText(plugin);

@@ -14,8 +14,7 @@
 namespace {
 
 [[noreturn]] void Fail(const std::filesystem::path& target, const std::string& reason) {
-    throw MRenderFailure(MExitCode::File,
-                         MFormat("cannot write {0}: {1}", target.string(), reason));
+    FailFile(MFormat("cannot write {0}: {1}", target.string(), reason));
 }
 
 /// The rights that the target has, or that a new file would get.
