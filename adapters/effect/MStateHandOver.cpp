@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::chrono::microseconds kPause{50};
 // A block that takes longer than this is not going to end.
-constexpr std::chrono::milliseconds kLongestBlock{2000};
+constexpr std::chrono::milliseconds kHangsAfter{2000};
 
 }  // namespace
 
@@ -62,7 +62,7 @@ bool MStateHandOver::WaitForBlock() const {
     const Ticket ticket = ticket_.load(std::memory_order_relaxed);
     while (phase_.load(std::memory_order_acquire) != Phase::Outside &&
            taken_.load(std::memory_order_acquire) < ticket) {
-        if (Clock::now() - start >= kLongestBlock) return false;
+        if (Clock::now() - start >= kHangsAfter) return false;
         std::this_thread::sleep_for(kPause);
     }
     return true;

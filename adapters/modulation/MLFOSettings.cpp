@@ -12,11 +12,11 @@
 
 namespace {
 
+using MStoredField::kEnd;
+using MStoredField::kMiddle;
+using MStoredField::kStart;
 using MStoredField::Range;
 
-constexpr Range kPart{0, 1, 0};
-constexpr Range kMiddle{0, 1, 0.5};
-constexpr Range kWhole{0, 1, 1};
 constexpr double kLongest = 60;  // seconds
 
 constexpr Range Seconds(double fallback) { return {0, kLongest, fallback}; }
@@ -38,7 +38,7 @@ void MModulatorSettings::Store(MXMLNode node, const MArchive& archive) {
     walk.seed = shape.seed;
     StoreOscillator(node, archive);
     StoreOthers(node, archive);
-    MStoredField::Number(archive, node, "Depth", depth, kWhole);
+    MStoredField::Number(archive, node, "Depth", depth, kEnd);
     MStoredField::Number(archive, node, "Offset", offset, {-1, 1, 0});
     MStoredField::Switch(archive, node, "Invert", isInverted, false);
     MStoredField::Number(archive, node, "OutputSmoothing", smoothing, Seconds(0));
@@ -49,14 +49,14 @@ void MModulatorSettings::StoreOscillator(MXMLNode node, const MArchive& archive)
     MStoredField::Number(archive, node, "Width", shape.width, kMiddle);
     MStoredField::Integer(archive, node, "StepCount", shape.stepCount,
                           {1, MShapeSettings::kMaxSteps, 16});
-    MStoredField::Number(archive, node, "Smoothing", shape.smoothing, kPart);
+    MStoredField::Number(archive, node, "Smoothing", shape.smoothing, kStart);
     StoreSteps(node, archive);
     MStoredField::Number(archive, node, "Rate", rate, {0.01, 50, 1});
     MStoredField::Switch(archive, node, "Synchronized", isSynchronised, false);
     MStoredField::Integer(archive, node, "SyncLength", syncLength,
                           {0, MTempoSync::kLengthCount - 1, MTempoSync::kDefaultLength});
     MStoredField::Choice(archive, node, "SyncType", syncType, {0, MTempoSync::kTypeCount - 1, 0});
-    MStoredField::Number(archive, node, "Phase", phase, kPart);
+    MStoredField::Number(archive, node, "Phase", phase, kStart);
     MStoredField::Switch(archive, node, "OneShot", isOneShot, false);
 }
 
@@ -67,7 +67,7 @@ void MModulatorSettings::StoreSteps(MXMLNode node, const MArchive& archive) {
         std::string text;
         for (int i = 0; i < shape.stepCount; ++i) {
             if (i > 0) text += ' ';
-            text += MText::WriteNumber(kPart.Hold(shape.steps[i]));
+            text += MText::WriteNumber(kStart.Hold(shape.steps[i]));
         }
         node.SetAttribute(kKey, text);
         return;
@@ -78,7 +78,7 @@ void MModulatorSettings::StoreSteps(MXMLNode node, const MArchive& archive) {
     for (double& step : shape.steps) {
         const std::string_view word = rest.substr(0, rest.find(' '));
         rest.remove_prefix(std::min(word.size() + 1, rest.size()));
-        step = kPart.Hold(MText::ReadNumber(word).value_or(0));
+        step = kStart.Hold(MText::ReadNumber(word).value_or(0));
     }
 }
 
@@ -96,9 +96,9 @@ void MModulatorSettings::StoreOthers(MXMLNode node, const MArchive& archive) {
     number("Decay", envelope.decay, Seconds(MADSRSettings().decay));
     number("Sustain", envelope.sustain, kMiddle);
     number("Release", envelope.release, Seconds(MADSRSettings().release));
-    number("VelocityAmount", envelope.velocityAmount, kPart);
+    number("VelocityAmount", envelope.velocityAmount, kStart);
     number("WalkRate", walk.rate, {0.01, 50, 1});
-    number("WalkSmoothness", walk.smoothness, kWhole);
+    number("WalkSmoothness", walk.smoothness, kEnd);
 }
 
 void MLFOSettings::Store(MXMLNode node, const MArchive& archive) {

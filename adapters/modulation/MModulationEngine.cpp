@@ -9,12 +9,10 @@
 
 namespace {
 
-constexpr double kMiddle = 0.5;
-
 /// What a MultiParameter at `position` passes on.
 double Passed(MMultiParameterMode mode, double position) noexcept {
     if (mode == MMultiParameterMode::Continuous) return position;
-    return position >= kMiddle ? 1 : 0;
+    return IsHigh(position) ? 1 : 0;
 }
 
 void Mark(const MModulationPlan::Slot& slot) noexcept {
@@ -89,8 +87,8 @@ void MModulationEngine::DriveMultiParameter(const MModulationPlan& plan, int ind
     if (isDriven) {
         const double position = record.ToNormalised(record.Effective());
         values_[MModulationPlan::kModulators + index] = Passed(own.mode, position);
-        const bool rises = position >= kMiddle && !isHigh_[index];
-        isHigh_[index] = position >= kMiddle;
+        const bool rises = IsHigh(position) && !isHigh_[index];
+        isHigh_[index] = IsHigh(position);
         if (own.mode == MMultiParameterMode::Momentary) acts = rises;
     }
     if (!acts) return;

@@ -7,9 +7,9 @@
 
 namespace {
 
-constexpr MStoredField::Range kStart{0, 1, 0};
-constexpr MStoredField::Range kMiddle{0, 1, 0.5};
-constexpr MStoredField::Range kEnd{0, 1, 1};
+using MStoredField::kEnd;
+using MStoredField::kMiddle;
+using MStoredField::kStart;
 
 }  // namespace
 

@@ -12,6 +12,9 @@ enum class MMultiParameterMode : int {
     Momentary = 2,   ///< they jump to the far ends of their ranges each time it rises to the middle
 };
 
+/// Whether a MultiParameter at `position`, 0 to 1, is a switch that is on. [any]
+constexpr bool IsHigh(double position) noexcept { return position >= 0.5; }
+
 /// What one MultiParameter does. Of a target's motion only range, curve and inversion count.
 struct MMultiParameterSettings {
     MMultiParameterMode mode = MMultiParameterMode::Continuous;

@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr double kMiddle = 0.5;
-
 // The modes' numbers are the places of their events within the bits of one MultiParameter.
 constexpr int kModes = 3;
 constexpr std::uint32_t Event(int index, MMultiParameterMode mode) {
@@ -31,7 +29,7 @@ void MMultiParameters::AddParameters(MParameterTable& table) {
 
 void MMultiParameters::ParameterChanged(int index, std::uint32_t /*offset*/, double oldValue,
                                         double newValue) noexcept {
-    const bool wasOn = oldValue >= kMiddle, isOn = newValue >= kMiddle;
+    const bool wasOn = IsHigh(oldValue), isOn = IsHigh(newValue);
     std::uint32_t events = Event(index, MMultiParameterMode::Continuous);
     if (wasOn != isOn) events |= Event(index, MMultiParameterMode::Switch);
     if (!wasOn && isOn) events |= Event(index, MMultiParameterMode::Momentary);

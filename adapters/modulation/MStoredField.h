@@ -19,6 +19,11 @@ struct Range {
     double Hold(double value) const noexcept;
 };
 
+/// What goes from 0 to 1, by where its default stands.
+inline constexpr Range kStart{0, 1, 0};
+inline constexpr Range kMiddle{0, 1, 0.5};
+inline constexpr Range kEnd{0, 1, 1};
+
 /// [main]
 void Number(const MArchive& archive, MXMLNode node, std::string_view key, double& value,
             const Range& range);

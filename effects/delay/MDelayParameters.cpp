@@ -24,7 +24,6 @@ constexpr ParameterText kHertz = {MValueFrequencyLog::Format, MValueFrequencyLog
 // Stored as the root of the amplitude: a square-law knob, and presets keep their meaning by it.
 constexpr ParameterText kLevel = {MValueVolume::FormatSquareRoot, MValueVolume::ParseSquareRoot};
 
-constexpr double kLongestDelay = 0.5;   // seconds
 constexpr double kLargestOffset = 0.1;  // seconds
 
 /// The records whose values every block reads anyway: writing them asks for no update.
@@ -78,7 +77,7 @@ void MDelayParameters::DefineTap(int tap) {
     Tap(tap, Gain).help = MDelayHelpTexts::kGain;
     Tap(tap, Panorama).DefineFloat("panorama" + suffix, "Panorama", -1, 1, 0, kPan);
     Tap(tap, Panorama).help = MDelayHelpTexts::kPanorama;
-    Tap(tap, Delay).DefineFloat("delay" + suffix, "Delay", 0, kLongestDelay, 0.1, kMilliseconds);
+    Tap(tap, Delay).DefineFloat("delay" + suffix, "Delay", 0, kDelayLongest, 0.1, kMilliseconds);
     Tap(tap, Delay).help = MDelayHelpTexts::kDelay;
     Tap(tap, LeftOffset)
         .DefineFloat("LeftOffset" + suffix, "Left offset", -kLargestOffset, kLargestOffset, 0,

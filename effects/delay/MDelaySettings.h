@@ -7,6 +7,7 @@
 
 inline constexpr int kDelayTaps = 2;
 inline constexpr int kDelayMaxChannels = 8;
+inline constexpr double kDelayLongest = 0.5;  ///< seconds, of a tap without synchronisation
 
 /// How a tap's loop is fed; the order is stored in presets.
 enum class MDelayMode {

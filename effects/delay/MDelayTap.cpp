@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr double kLongestDelay = 0.5;     // seconds, of the record
 constexpr double kLongestPredelay = 0.2;  // seconds: both offsets at their ends
 
 /// Room for `seconds` with every rounding on the safe side.
@@ -53,7 +52,7 @@ void MDelayTap::Update(const MDelayTapSettings& settings, int sampleRate,
     }
     // All that the Delay record can ask for is made room for at once, so that moving it never
     // allocates; memory that stays unused costs no physical pages.
-    const int room = RoomFor(kLongestDelay, sampleRate);
+    const int room = RoomFor(kDelayLongest, sampleRate);
     scratch.Get(room);
     for (int channel = 0; channel < channels_; ++channel) lines_[channel].Reserve(room);
     if (!settings.isSynchronised)

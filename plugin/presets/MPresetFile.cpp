@@ -12,8 +12,6 @@
 namespace {
 
 constexpr int kDeepestFolder = 16;
-constexpr std::string_view kFolder = "folder";
-constexpr std::string_view kPreset = "preset";
 constexpr std::string_view kName = "name";
 
 std::string TextOf(const MXMLNode& element, std::string_view key) {
@@ -61,10 +59,10 @@ MPresetFolder ReadFolderTo(const MXMLNode& element, int depth) {
     for (const MXMLNode& child : element.Children()) {
         const std::string name = TextOf(child, kName);
         if (!IsUsable(name)) continue;
-        if (child.Name() == kFolder && depth > 0 && !HasName(folder.folders, name)) {
+        if (child.Name() == MPresetFile::kFolder && depth > 0 && !HasName(folder.folders, name)) {
             folder.folders.push_back(ReadFolderTo(child, depth - 1));
         }
-        const bool isPreset = child.Name() == kPreset && !child.Children().empty();
+        const bool isPreset = child.Name() == MPresetFile::kPreset && !child.Children().empty();
         if (isPreset && !HasName(folder.presets, name)) {
             folder.presets.push_back(MPresetFile::ReadPreset(child));
         }
@@ -80,7 +78,7 @@ MPresetFolder MPresetFile::ReadFolder(const MXMLNode& element) {
 
 MPreset MPresetFile::ReadPreset(const MXMLNode& element) {
     const std::vector<MXMLNode> contents = element.Children();
-    if (element.Name() != kPreset || contents.empty()) {
+    if (element.Name() != MPresetFile::kPreset || contents.empty()) {
         throw MException(MFormat("<{0}> is no preset.", element.Name()));
     }
     MPreset preset;
@@ -115,16 +113,16 @@ MXMLNode MPresetFile::FindChild(const MXMLNode& folder, std::string_view kind,
 }
 
 MXMLNode MPresetFile::FindFolder(MXMLNode element, std::span<const std::string> names) {
-    for (const std::string& name : names) element = FindChild(element, kFolder, name);
+    for (const std::string& name : names) element = FindChild(element, MPresetFile::kFolder, name);
     return element;
 }
 
 MXMLNode MPresetFile::MakeFolder(MXMLNode element, std::span<const std::string> names) {
     if (names.size() > kDeepestFolder) throw MException("Folders cannot be that deep.");
     for (const std::string& name : names) {
-        MXMLNode folder = FindChild(element, kFolder, name);
+        MXMLNode folder = FindChild(element, MPresetFile::kFolder, name);
         if (!folder) {
-            folder = element.AddChild(kFolder);
+            folder = element.AddChild(MPresetFile::kFolder);
             folder.SetAttribute(kName, name);
         }
         element = folder;
@@ -152,7 +150,7 @@ MPreset MPresetFile::Import(const std::filesystem::path& file) {
 }
 
 void MPresetFile::Export(const std::filesystem::path& file, const MPreset& preset) {
-    const MXMLTree tree(kPreset);
+    const MXMLTree tree(MPresetFile::kPreset);
     WritePreset(tree.Root(), preset);
     MFiles::Replace(file, tree.Write());
 }

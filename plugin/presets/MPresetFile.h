@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <string_view>
 
 /// Presets as XML elements:
 ///
@@ -16,6 +17,10 @@
 ///
 /// Whatever else stands there is neither read nor touched.
 namespace MPresetFile {
+
+/// The names of the elements.
+inline constexpr std::string_view kFolder = "folder";
+inline constexpr std::string_view kPreset = "preset";
 
 /// Reads what is below an element: folders up to 16 deep, and every preset that has a name and a
 /// content; of several with the same name the first. [main]
@@ -29,7 +34,7 @@ void WritePreset(MXMLNode element, const MPreset& preset);
 /// The folder of that path below `element`; null when it is not there, or made on the way. [main]
 MXMLNode FindFolder(MXMLNode element, std::span<const std::string> names);
 MXMLNode MakeFolder(MXMLNode element, std::span<const std::string> names);
-/// The child of a folder by name and kind, "preset" or "folder"; null when there is none. [main]
+/// The child of a folder by name and kind, kPreset or kFolder; null when there is none. [main]
 MXMLNode FindChild(const MXMLNode& folder, std::string_view kind, std::string_view name);
 
 /// Reads one preset from a file of its own. A bare state is taken as well; it goes by the name of

@@ -14,8 +14,6 @@
 namespace {
 
 constexpr std::string_view kRoot = "presets";
-constexpr std::string_view kPreset = "preset";
-constexpr std::string_view kFolder = "folder";
 /// Marks a preset of the factory: what belongs to the user stands in the user's file.
 constexpr std::string_view kFactoryFavourite = "factoryfavourite";
 
@@ -38,7 +36,7 @@ struct Found {
 Found FindElement(const MXMLNode& category, std::string_view path) {
     const Names names = MPresetTree::Split(path);
     const MXMLNode folder = MPresetFile::FindFolder(category, FolderOf(names));
-    for (const std::string_view kind : {kPreset, kFolder}) {
+    for (const std::string_view kind : {MPresetFile::kPreset, MPresetFile::kFolder}) {
         if (const auto element = MPresetFile::FindChild(folder, kind, names.back())) {
             return {folder, element};
         }
@@ -129,8 +127,8 @@ void MPresetLibrary::Save(std::string_view path, MPreset preset) {
     preset.name = names.back();
     Change([&](const MXMLNode& category) {
         MXMLNode folder = MPresetFile::MakeFolder(category, FolderOf(names));
-        MXMLNode element = MPresetFile::FindChild(folder, kPreset, preset.name);
-        if (!element) element = folder.AddChild(kPreset);
+        MXMLNode element = MPresetFile::FindChild(folder, MPresetFile::kPreset, preset.name);
+        if (!element) element = folder.AddChild(MPresetFile::kPreset);
         MPresetFile::WritePreset(element, preset);
     });
 }

@@ -9,9 +9,9 @@
 
 namespace {
 
-constexpr double kNoneBelow = 1e-5;  // hertz; shown as zero, and where logarithms end
+constexpr double kZeroBelow = 1e-5;  // hertz; shown as zero, and where logarithms end
 
-double Log(double value) { return std::log10(std::max(value, kNoneBelow)); }
+double Log(double value) { return std::log10(std::max(value, kZeroBelow)); }
 
 }  // namespace
 
@@ -36,7 +36,7 @@ std::string MValueFrequency::Format(double hertz) { return FormatWithSeparator(h
 
 std::string MValueFrequency::FormatWithSeparator(double hertz, std::string_view separator) {
     const double size = std::fabs(hertz);
-    if (size < kNoneBelow) return MFormat("0{0}Hz", separator);
+    if (size < kZeroBelow) return MFormat("0{0}Hz", separator);
     if (size < 1) return MFormat("{0;.4}{1}Hz", hertz, separator);
     if (size < 10) return MFormat("{0;.2}{1}Hz", hertz, separator);
     if (size < 100) return MFormat("{0;.1}{1}Hz", hertz, separator);
