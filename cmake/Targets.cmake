@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # The two kinds of target that the folders define.
+option(KESTRUNE_QUICK "Compile several sources at a time and headers in advance" OFF)
 
 # m_library(NAME SOURCES file... HEADERS file... [LINK target...] [PRIVATE_LINK target...])
 # One folder's static library. Each of its headers must compile alone (all_verify_interface_header_sets).
@@ -11,6 +12,7 @@ function(m_library name)
     set_target_properties(${name} PROPERTIES
         CXX_EXTENSIONS OFF
         POSITION_INDEPENDENT_CODE ON
+        UNITY_BUILD ${KESTRUNE_QUICK}
         VERIFY_INTERFACE_HEADER_SETS ON)
 endfunction()
 
@@ -21,6 +23,9 @@ function(m_test name)
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE m_options ${arg_LINK} GTest::gmock GTest::gtest GTest::gtest_main)
     set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+    if(KESTRUNE_QUICK)
+        target_precompile_headers(${name} REUSE_FROM m_test_headers)
+    endif()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
         PROPERTIES TIMEOUT 600)
 endfunction()
