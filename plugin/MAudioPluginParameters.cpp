@@ -31,9 +31,12 @@ void MAudioPlugin::SetParameter(std::uint32_t identifier, double x, bool silent)
 }
 
 double MAudioPlugin::GetParameter(std::uint32_t identifier) {
-    return AskParameter(
-        "MAudioPlugin::GetParameter", parameters_, identifier, 0.0,
-        [](const ParameterMainBase& p, std::uint32_t offset) { return p.GetNormalised(offset); });
+    return AskParameter("MAudioPlugin::GetParameter", parameters_, identifier, 0.0,
+                        [](ParameterMainBase& p, std::uint32_t offset) {
+                            const ParameterDefinition* const record = p.Record();
+                            return record != nullptr ? record->ToNormalised(record->Knob())
+                                                     : p.GetNormalised(offset);
+                        });
 }
 
 std::string MAudioPlugin::GetParameterName(std::uint32_t identifier) {
@@ -47,9 +50,12 @@ std::string MAudioPlugin::GetParameterID(std::uint32_t identifier) {
 }
 
 std::string MAudioPlugin::GetParameterValueName(std::uint32_t identifier) {
-    return AskParameter(
-        "MAudioPlugin::GetParameterValueName", parameters_, identifier, std::string(),
-        [](const ParameterMainBase& p, std::uint32_t offset) { return p.GetValueName(offset); });
+    return AskParameter("MAudioPlugin::GetParameterValueName", parameters_, identifier,
+                        std::string(), [](ParameterMainBase& p, std::uint32_t offset) {
+                            const ParameterDefinition* const record = p.Record();
+                            return record != nullptr ? record->DisplayText(record->Knob())
+                                                     : p.GetValueName(offset);
+                        });
 }
 
 std::string MAudioPlugin::GetParameterValueNameFrom01(std::uint32_t identifier, double x) {

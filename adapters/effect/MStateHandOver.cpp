@@ -71,7 +71,7 @@ bool MStateHandOver::WaitForBlock() const {
 void MStateHandOver::TakeValues() noexcept {
     const Publication& newest = slots_.Front();
     if (taken_.load(std::memory_order_acquire) >= newest.ticket) return;
-    records_.Apply(*newest.values, [] { return false; });
+    records_.Apply(*newest.values);
     taken_.store(newest.ticket, std::memory_order_release);
 }
 

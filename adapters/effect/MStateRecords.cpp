@@ -18,6 +18,11 @@ MStateRecords::Values MStateRecords::Current() const {
     return values;
 }
 
+void MStateRecords::Apply(const Values& values) const noexcept {
+    for (std::size_t i = 0; i < records_.size(); ++i) records_[i]->Overrule(values[i]);
+    for (MHostedEffect* const effect : effects_) effect->Mark(-1);
+}
+
 MStateRecords::Values MStateRecords::Defaults() const {
     Values values;
     for (const ParameterDefinition* const record : records_) values.push_back(record->defaultValue);

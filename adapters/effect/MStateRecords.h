@@ -27,13 +27,16 @@ public:
     /// The places of an effect's values, in the order of its records. Throws the same. [main]
     std::span<double> Of(const MHostedEffect& effect, Values& values) const;
 
-    /// Writes all values into the records and lets the effects follow; stops when `isDone` says
-    /// that another thread has done so. Takes no lock. [any]
+    /// Writes all values into the records and lets the effects follow. Takes no lock. [any]
+    void Apply(const Values& values) const noexcept;
+    /// The same, until `isDone` says that another thread has done so; what has been written since
+    /// then stays. [any]
     template <class Done>
     void Apply(const Values& values, Done&& isDone) const noexcept {
         for (std::size_t i = 0; i < records_.size(); ++i) {
+            const double present = records_[i]->Value();
             if (isDone()) return;
-            records_[i]->Overrule(values[i]);
+            records_[i]->Overrule(values[i], present);
         }
         // All of them, whether or not their values differ: another thread may be writing the same
         // ones at this moment, without having come to its marks.

@@ -50,6 +50,7 @@ void MModulationEngine::Release(const MModulationPlan& plan) noexcept {
         const MModulationPlan::Slot& slot = plan.slots[i];
         TakeKnob(slot, states_[i]);
         slot.record->SetRedirect(false);
+        slot.record->TakeKnob();
         Mark(slot);
     }
     straight_.Release(plan.straight);
@@ -104,12 +105,13 @@ void MModulationEngine::Write(const MModulationPlan::MultiParameter& multiParame
     knobsMoved_.store(true, std::memory_order_relaxed);
 }
 
-// As MStraightDriver does, writes that land between this look and the next store included.
+// As MStraightDriver does.
 inline double MModulationEngine::TakeKnob(const MModulationPlan::Slot& slot,
                                           State& state) noexcept {
+    const bool isWritten = slot.record->TakeKnob();
     const double found = MRelaxed::Load(slot.record->secondary);
     if (found != state.written) {
-        slot.record->SetValue(found);
+        if (!isWritten) MRelaxed::Store(slot.record->value, found);
         state.written = found;
     }
     if (!slot.usesKnob) return 0;
@@ -143,7 +145,7 @@ void MModulationEngine::Drive(const MModulationPlan& plan, int firstSlot, int en
         state.written = plain;
         if (slot.parameter != nullptr) {
             slot.parameter->SetNormalised(0, position, false);
-            slot.record->ForgetKnob();
+            slot.record->ForgetKnob(plain);
         } else {
             MRelaxed::Store(slot.record->secondary, plain);
             Mark(slot);

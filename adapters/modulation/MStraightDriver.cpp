@@ -31,15 +31,13 @@ void MStraightDriver::Release(const MStraightTargets& targets) noexcept {
     for (std::size_t i = 0; i < targets.Targets().size(); ++i) {
         TakeKnob(targets.Targets()[i], i);
         targets.Targets()[i].record->SetRedirect(false);
+        targets.Targets()[i].record->TakeKnob();
     }
 }
 
-// What others write to a modulated parameter lands in its secondary value, and is the knob's. A
-// write that another thread makes between this look and the next store is lost; a fader that moves
-// sends the next one. An exchange would close the gap at the price of the whole modulation.
+// What others write to a modulated parameter is the knob's.
 void MStraightDriver::TakeKnob(const MStraightTargets::Target& target, std::size_t index) noexcept {
-    const double found = MRelaxed::Load(target.record->secondary);
-    if (Difference(found, written_[index]) != 0) target.record->SetValue(found);
+    target.record->TakeKnob();
     knobs_[index] = target.record->Value();
     feet_[index] = target.Foot(knobs_[index]);
 }
@@ -48,8 +46,8 @@ bool MStraightDriver::TakeKnobs(const MStraightTargets& targets) noexcept {
     std::uint64_t differences = 0;
     for (std::size_t i = 0; i < targets.Targets().size(); ++i) {
         const ParameterDefinition& record = *targets.Targets()[i].record;
-        differences |= Difference(MRelaxed::Load(record.secondary), written_[i]);
         differences |= Difference(MRelaxed::Load(record.value), knobs_[i]);
+        differences |= Difference(MRelaxed::Load(record.written), ParameterDefinition::kNothing);
     }
     if (differences == 0) return false;
     for (std::size_t i = 0; i < targets.Targets().size(); ++i) TakeKnob(targets.Targets()[i], i);

@@ -133,36 +133,51 @@ void ParameterDefinition::DefineGroup(std::string newKey, std::string newName, b
 
 double ParameterDefinition::Value() const noexcept { return MRelaxed::Load(value); }
 
-// What was written while redirected is in the secondary value until the modulator finds it there
-// and makes it the own value.
+// What was written while redirected waits until the modulator makes it the own value.
 double ParameterDefinition::Knob() const noexcept {
     const double last = MRelaxed::Load(written);
-    const bool isPending = IsRedirected() && MRelaxed::Load(secondary) == last;
-    return isPending ? last : Value();
+    return IsRedirected() && !std::isnan(last) ? last : Value();
 }
 
 void ParameterDefinition::SetKnob(double newValue) noexcept {
-    if (!IsRedirected()) {
-        SetValue(newValue);
-        return;
+    if (IsRedirected()) {
+        SetSecondary(newValue);
+        MRelaxed::Store(written, newValue);
+        // The modulator lets go before it looks a last time: one of the two finds the other's.
+        std::atomic_thread_fence(std::memory_order_seq_cst);
+        if (IsRedirected()) return;
     }
-    SetSecondary(newValue);
-    MRelaxed::Store(written, newValue);
+    SetValue(newValue);
+}
+
+bool ParameterDefinition::TakeKnob() noexcept {
+    double last = MRelaxed::Load(written);
+    if (std::isnan(last)) return false;
+    MRelaxed::Store(value, last);
+    ForgetKnob(last);
+    return true;
+}
+
+// What others have written since stays.
+void ParameterDefinition::ForgetKnob(double modulated) noexcept {
+    std::atomic_ref(written).compare_exchange_strong(modulated, kNothing);
 }
 
 void ParameterDefinition::Overrule(double newValue) noexcept {
     SetValue(newValue);
-    // A write that the modulator has not made the own value yet would follow.
+    // What a block still works with would be the old.
     if (IsRedirected()) SetSecondary(newValue);
 }
 
-void ParameterDefinition::ForgetKnob() noexcept {
-    MRelaxed::Store(written, std::numeric_limits<double>::quiet_NaN());
+void ParameterDefinition::Overrule(double newValue, double present) noexcept {
+    if (!std::atomic_ref(value).compare_exchange_strong(present, newValue)) return;
+    MRelaxed::Store(written, kNothing);
+    if (IsRedirected()) SetSecondary(newValue);
 }
 
 void ParameterDefinition::SetValue(double newValue) noexcept {
     MRelaxed::Store(value, newValue);
-    ForgetKnob();
+    MRelaxed::Store(written, kNothing);
 }
 
 void ParameterDefinition::SetSecondary(double newValue) noexcept {
@@ -186,13 +201,13 @@ bool ParameterDefinition::IsRedirected() const noexcept { return (Flags() & kRed
 
 void ParameterDefinition::SetRedirect(bool on) noexcept {
     SetSecondary(Value());
-    ForgetKnob();
     // Released after the secondary value, so that nobody who sees the flag reads an older one.
     if (on) {
+        MRelaxed::Store(written, kNothing);
         std::atomic_ref(flags).fetch_or(kRedirect, std::memory_order_release);
     } else {
         std::atomic_ref(flags).fetch_and(static_cast<std::uint8_t>(~kRedirect),
-                                         std::memory_order_release);
+                                         std::memory_order_seq_cst);
     }
 }
 

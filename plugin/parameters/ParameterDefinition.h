@@ -47,6 +47,9 @@ struct ParameterDefinition {
     static constexpr std::uint8_t kUpdateRequired = 1 << 5;  ///< a change asks for an update
     static constexpr std::uint8_t kOption19 = 1 << 6;        ///< reported by slot 19 of the object
 
+    /// In `written`: nothing.
+    static constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
+
     // What every block reads comes first, in one line of the cache.
     alignas(64) std::uint8_t flags = 0;
     bool enabled = true;  ///< whether the user may change it at present
@@ -54,11 +57,11 @@ struct ParameterDefinition {
     ParameterCurve curve = ParameterCurve::None;
     double minimum = 0;
     double maximum = 1;
-    double defaultValue = 0;
     double value = 0;      ///< in the record's own units; an index, or 0 and 1, for the other kinds
     double secondary = 0;  ///< the modulated value, in force while redirected
     double previous = 0;   ///< where the last ramp ended
-    double written = std::numeric_limits<double>::quiet_NaN();  ///< by SetKnob, while redirected
+    double written = kNothing;  ///< by SetKnob, while redirected, until TakeKnob
+    double defaultValue = 0;
     std::string key;        ///< attribute name in the state; never changes between versions
     std::string name;       ///< shown to the user
     std::string shortName;  ///< empty so far
@@ -100,11 +103,16 @@ struct ParameterDefinition {
     double Knob() const noexcept;
     /// Stores a value as the user's or the host's: the knob is to have it. [any]
     void SetKnob(double newValue) noexcept;
+    /// Makes what SetKnob has stored while redirected the own value; whether there was any.
+    /// [audio]
+    bool TakeKnob() noexcept;
+    /// Says that `modulated` was not the user's, where SetKnob has just stored it. [audio]
+    void ForgetKnob(double modulated) noexcept;
     /// Stores a value that nothing written before is to undo: of a state, or of many records that
     /// change together. [any]
     void Overrule(double newValue) noexcept;
-    /// Says that the secondary value is the modulator's own. [audio]
-    void ForgetKnob() noexcept;
+    /// The same, unless the own value is not `present` any more. [any]
+    void Overrule(double newValue, double present) noexcept;
     /// Stores the record's own value as it is. [any]
     void SetValue(double newValue) noexcept;
     /// Stores the modulated value as it is. [any]
@@ -118,7 +126,8 @@ struct ParameterDefinition {
     /// The flags as they are at present. [any]
     std::uint8_t Flags() const noexcept;
     bool IsRedirected() const noexcept;
-    /// Starts or ends redirection; the secondary value starts at the value. [any]
+    /// Starts or ends redirection; the secondary value starts at the value. At the end, TakeKnob
+    /// has what was written to the last. [any]
     void SetRedirect(bool on) noexcept;
     bool IsEnabled() const noexcept;
     void SetEnabled(bool on) noexcept;

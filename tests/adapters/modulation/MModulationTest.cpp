@@ -129,6 +129,20 @@ TEST_F(MModulationTest, TakesWhatAHostWritesMeanwhileForTheKnob) {
     Set("Level", 0.2);
     Modulation().SetModulator(0, {});
     EXPECT_NEAR(Run(64), 2, 1e-5) << "even when it ends at once";
+
+    // At the end of the range the modulated value and the one that is written are the same.
+    for (const bool isAlone : {true, false}) {
+        Set("Level", 0.2);
+        Modulate(0, Square(), Target("Level", MTargetMode::Up, 1));
+        Modulate(1, Square(), Target("Level", MTargetMode::Up, isAlone ? 0 : 0.1));
+        EXPECT_NEAR(Run(64), 10, 1e-5);
+        Set("Level", 1);
+        EXPECT_EQ(Get("Level"), 1) << "before any block";
+        EXPECT_NEAR(Run(64), 10, 1e-5);
+        Modulation().SetModulator(0, {});
+        Modulation().SetModulator(1, {});
+        EXPECT_NEAR(Run(64), 10, 1e-5);
+    }
 }
 
 TEST_F(MModulationTest, CutsBlocksOnlyWhileItActs) {
