@@ -189,18 +189,32 @@ int MAudioEffectPluginToAudioPluginMultiBandAdapter::MaximumLatency() const noex
     return Effect(0).Handle().Latency() + MLinearPhaseCrossover::kDelay;
 }
 
+// Under the preparing and the change lock. When effects cannot follow, layout and options stay what
+// is heard.
+template <class Change>
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::ChangeOrRestore(Change&& change) {
+    const MBandLayout layout = layout_;
+    const MBandOptions options = options_;
+    try {
+        {
+            const MLock lock(settingsLock_);
+            change();
+        }
+        ApplyGlobalChange(true);
+    } catch (...) {
+        const MLock lock(settingsLock_);
+        layout_ = layout;
+        options_ = options;
+        throw;
+    }
+}
+
 template <class Change>
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::ChangeLayout(Change&& change) {
     TakeUserDefaults();
     {
         const MLock preparing(preparingLock_);
-        WhenSettled([&] {
-            {
-                const MLock lock(settingsLock_);
-                change();
-            }
-            ApplyGlobalChange(true);
-        });
+        WhenSettled([&] { ChangeOrRestore(change); });
     }
     ReportLatencyChange();
     ReportParameterChanges();
@@ -217,12 +231,10 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::TakeUserDefaults() {
             if (hasUserDefaults_.load(std::memory_order_relaxed)) return;
             isOther = count != layout_.bandCount;
             if (isOther) {
-                {
-                    const MLock lock(settingsLock_);
+                ChangeOrRestore([&] {
                     layout_.SetDefaults(count);
-                }
-                ResetUntouchedLimits(count);
-                ApplyGlobalChange(true);
+                    ResetUntouchedLimits(count);
+                });
             }
             hasUserDefaults_.store(true, std::memory_order_release);
         });
@@ -342,6 +354,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::SetSolo(int band, bool on)
 
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::SetEditedBand(int band) {
     TakeUserDefaults();
+    const MLock changing(ChangeLock());
     const MLock lock(settingsLock_);
     layout_.CheckBand(band);
     layout_.editedBand = band;

@@ -135,6 +135,8 @@ private:
     };
 
     template <class Change>
+    void ChangeOrRestore(Change&& change);
+    template <class Change>
     void ChangeLayout(Change&& change);
     int DefaultBandCount();
     void ResetBands(int count);

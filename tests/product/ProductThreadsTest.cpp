@@ -96,6 +96,7 @@ TEST(ProductThreads, WhatIsLoadedLastHoldsWhateverElseGoesOn) {
                                 if (i % 4 == 1) plugin->GenerateRandomSettings();
                                 if (i % 4 == 2) plugin->Modulation().SetModulator(i % 3, {});
                                 if (i % 40 == 3) plugin->InitProcessing();
+                                plugin->SetEditedBand(0);
                                 plugin->SetParameter(static_cast<std::uint32_t>(i % 208), 0.5,
                                                      false);
                             })};

@@ -203,6 +203,16 @@ TEST_F(MultiBandTest, IsOfNoUseWithoutAllItsEffects) {
     EXPECT_EQ(output[0], std::vector<float>(64, 0.0f));
 }
 
+TEST_F(MultiBandTest, KeepsTheLayoutThatIsHeardWhenOthersCannotBePrepared) {
+    Make(2);
+    ProbeEffect::Reset({.prepareResult = 1});
+    EXPECT_THROW(plugin_->CreateDefaultBands(6), MException);
+    EXPECT_EQ(plugin_->Layout().bandCount, 2);
+    ProbeEffect::Reset();
+    plugin_->CreateDefaultBands(6);
+    EXPECT_EQ(plugin_->Layout().bandCount, 6);
+}
+
 TEST_F(MultiBandTest, MetersBandsInputAndOutput) {
     Make(2);
     plugin_->BandParameters().Dry().SetValue(0);
