@@ -56,13 +56,14 @@ void MoveOver(const fs::path& from, const fs::path& to) {
 
 #else
 
-/// Gives a file the owner, as far as the system lets us, and the permissions of another.
-bool Resemble(int handle, const struct stat& model) {
+/// Gives a file the owner and the permissions of another, as far as the system lets us. Network file
+/// systems may let nobody: the file then stays its owner's alone, and the content counts for more.
+void Resemble(int handle, const struct stat& model) {
     // Without the group, what the group may do would go to another one.
     const bool isOurs = fchown(handle, model.st_uid, model.st_gid) == 0 ||
                         fchown(handle, static_cast<uid_t>(-1), model.st_gid) == 0;
     constexpr mode_t kAll = 07777, kOfGroup = 070;
-    return fchmod(handle, model.st_mode & (isOurs ? kAll : kAll & ~kOfGroup)) == 0;
+    static_cast<void>(fchmod(handle, model.st_mode & (isOurs ? kAll : kAll & ~kOfGroup)));
 }
 
 // The permissions are those of `model` where there is such a file.
@@ -72,7 +73,8 @@ void WriteThrough(const fs::path& file, const fs::path& model, std::string_view 
     const int handle =
         open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isNew ? 0666 : 0600);
     if (handle < 0) Fail(kNotWritten, file);
-    bool done = isNew || Resemble(handle, present);
+    if (!isNew) Resemble(handle, present);
+    bool done = true;
     while (done && !content.empty()) {
         const ssize_t written = write(handle, content.data(), content.size());
         if (written > 0) content.remove_prefix(static_cast<std::size_t>(written));
