@@ -4,6 +4,9 @@
 #include "core/MException.h"
 #include "core/MFormat.h"
 
+#include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <fstream>
 #include <system_error>
 
@@ -28,17 +31,25 @@ constexpr std::string_view kNotWritten = "\"{0}\" cannot be written.";
 
 #ifdef _WIN32
 
-// Who may read it is up to the folder.
-void WriteThrough(const fs::path& file, const fs::path& /*model*/, std::string_view content) {
-    HANDLE const handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+std::uint64_t ProcessIdentifier() noexcept { return GetCurrentProcessId(); }
+
+/// Writes a file of its own that `target` is to become. Answers false where there is one already;
+/// leaves nothing behind when it throws. Who may read it is up to the folder.
+bool WriteNew(const fs::path& file, const fs::path& target, std::string_view content) {
+    HANDLE const handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                       FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) Fail(kNotWritten, file);
+    if (handle == INVALID_HANDLE_VALUE) {
+        if (GetLastError() == ERROR_FILE_EXISTS) return false;
+        Fail(kNotWritten, target);
+    }
     DWORD written = 0;
     const bool done = WriteFile(handle, content.data(), static_cast<DWORD>(content.size()),
                                 &written, nullptr) != 0 &&
                       written == content.size() && FlushFileBuffers(handle) != 0;
     CloseHandle(handle);
-    if (!done) Fail(kNotWritten, file);
+    if (done) return true;
+    DeleteFileW(file.c_str());
+    Fail(kNotWritten, target);
 }
 
 void MoveOver(const fs::path& from, const fs::path& to) {
@@ -51,13 +62,17 @@ void MoveOver(const fs::path& from, const fs::path& to) {
         }
         Sleep(10);
     }
+    DeleteFileW(from.c_str());
     Fail(kNotWritten, to);
 }
 
 #else
 
-/// Gives a file the owner and the permissions of another, as far as the system lets us. Network file
-/// systems may let nobody: the file then stays its owner's alone, and the content counts for more.
+std::uint64_t ProcessIdentifier() noexcept { return static_cast<std::uint64_t>(getpid()); }
+
+/// Gives a file the owner and the permissions of another, as far as the system lets us. Network
+/// file systems may let nobody: the file then stays its owner's alone, and the content counts for
+/// more.
 void Resemble(int handle, const struct stat& model) {
     // Without the group, what the group may do would go to another one.
     const bool isOurs = fchown(handle, model.st_uid, model.st_gid) == 0 ||
@@ -66,13 +81,17 @@ void Resemble(int handle, const struct stat& model) {
     static_cast<void>(fchmod(handle, model.st_mode & (isOurs ? kAll : kAll & ~kOfGroup)));
 }
 
-// The permissions are those of `model` where there is such a file.
-void WriteThrough(const fs::path& file, const fs::path& model, std::string_view content) {
+/// Writes a file of its own that `target` is to become, with the permissions of the one that is
+/// there. Answers false where there is such a `file` already; leaves nothing behind when it throws.
+bool WriteNew(const fs::path& file, const fs::path& target, std::string_view content) {
     struct stat present {};
-    const bool isNew = stat(model.c_str(), &present) != 0;
+    const bool isNew = stat(target.c_str(), &present) != 0;
     const int handle =
         open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isNew ? 0666 : 0600);
-    if (handle < 0) Fail(kNotWritten, file);
+    if (handle < 0) {
+        if (errno == EEXIST) return false;
+        Fail(kNotWritten, target);
+    }
     if (!isNew) Resemble(handle, present);
     bool done = true;
     while (done && !content.empty()) {
@@ -83,16 +102,45 @@ void WriteThrough(const fs::path& file, const fs::path& model, std::string_view 
     // A rename that outruns the data would leave an empty file after a power cut.
     done = done && fsync(handle) == 0;
     done = close(handle) == 0 && done;
-    if (!done) Fail(kNotWritten, file);
+    if (done) return true;
+    unlink(file.c_str());
+    Fail(kNotWritten, target);
 }
 
 void MoveOver(const fs::path& from, const fs::path& to) {
     std::error_code error;
     fs::rename(from, to, error);
-    if (error) Fail(kNotWritten, to);
+    if (!error) return;
+    unlink(from.c_str());
+    Fail(kNotWritten, to);
 }
 
 #endif
+
+constexpr std::string_view kTemporaryPrefix = ".kestrune-", kTemporarySuffix = ".tmp";
+
+/// A file name that no other call, here or in another process, is using. Where several libraries
+/// of one process count for themselves, or computers share a folder, some are taken all the same.
+fs::path TemporaryName() {
+    static std::atomic<std::uint64_t> calls{0};
+    return MFormat("{0}{1}-{2}{3}", kTemporaryPrefix, ProcessIdentifier(), ++calls,
+                   kTemporarySuffix);
+}
+
+/// Removes what calls that a crash has ended left in a folder. None of those alive is a day old.
+void RemoveLeftovers(const fs::path& folder) {
+    const auto yesterday = fs::file_time_type::clock::now() - std::chrono::hours(24);
+    // Compared as the system has them: names of others need not be valid text.
+    const fs::path prefix = kTemporaryPrefix, suffix = kTemporarySuffix;
+    std::error_code error;
+    for (fs::directory_iterator i(folder, error), end; !error && i != end; i.increment(error)) {
+        const fs::path name = i->path().filename();
+        if (!name.native().starts_with(prefix.native()) || name.extension() != suffix) continue;
+        std::error_code kept;
+        const auto written = fs::last_write_time(i->path(), kept);
+        if (!kept && written < yesterday) fs::remove(i->path(), kept);
+    }
+}
 
 /// Where links at `file` lead to, be it there or not.
 fs::path TargetOf(const fs::path& file) {
@@ -139,16 +187,13 @@ void MFiles::Replace(const fs::path& file, std::string_view content) {
     std::error_code error;
     fs::create_directories(target.parent_path(), error);
     if (error) Fail(kNotWritten, file);
-    fs::path temporary = target;
-    temporary += ".tmp";
-    fs::remove(temporary, error);  // left by a crash
-    try {
-        WriteThrough(temporary, target, content);
-        MoveOver(temporary, target);
-    } catch (...) {
-        fs::remove(temporary, error);
-        throw;
-    }
+    const fs::path folder = target.parent_path();
+    RemoveLeftovers(folder);
+    fs::path temporary;
+    do {
+        temporary = folder / TemporaryName();
+    } while (!WriteNew(temporary, target, content));
+    MoveOver(temporary, target);
 }
 
 fs::path MFiles::SetAside(const fs::path& file) {

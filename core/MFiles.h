@@ -20,8 +20,12 @@ std::optional<std::string> Read(const std::filesystem::path& file, std::size_t l
 
 /// Makes `content` the whole of `file`: whoever opens it, and whatever goes wrong, finds the old
 /// content or the new one and never a part. Keeps the permissions of the file that was there, and
-/// links that lead to it. Makes the folders that are missing. One thread and process at a time may
-/// replace a file. [main]
+/// links that lead to it. Makes the folders that are missing. Where threads or processes replace
+/// one file at once, the last one's content stays.
+///
+/// The content is written beside the file first, under a name of the call's own. A crash in the
+/// middle leaves that behind; later calls for the same folder remove it once it is a day old.
+/// [main]
 void Replace(const std::filesystem::path& file, std::string_view content);
 
 /// Renames `file` to its own name and ".damaged", or ".damaged-2" and so on where that is taken.

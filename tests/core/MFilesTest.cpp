@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #ifndef _WIN32
+#include "core/MException.h"
 #include "core/MFiles.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <sys/stat.h>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -24,5 +28,33 @@ TEST(MFiles, ReplaceKeepsPermissionsAndLinksAndLeavesTheRestToTheUsersMask) {
         EXPECT_EQ(MFiles::Read(link, 99), std::to_string(mode));
     }
     EXPECT_TRUE(fs::is_symlink(link));
+}
+
+TEST(MFiles, ReplaceLeavesOneWholeContentWhenThreadsReplaceAtOnce) {
+    const TemporaryFolder folder;
+    const fs::path file = folder / "presets.xml", old = folder / ".kestrune-1-1.tmp";
+    folder.Write("presets.xml", std::string(1, 'a'));
+    folder.Write(".kestrune-1-1.tmp", "left by a crash");
+    fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::hours(25));
+    std::atomic<int> failures{0}, writers{2};
+    const auto write = [&](char letter, std::size_t size) {
+        for (int i = 0; i < 50; ++i) {
+            try {
+                MFiles::Replace(file, std::string(size, letter));
+            } catch (const MException&) {
+                ++failures;
+            }
+        }
+        --writers;
+    };
+    std::thread first(write, 'a', 1), second(write, 'b', 300000);
+    while (writers > 0) {
+        const std::string text = MFiles::Read(file, 300000).value_or("");
+        if (text != "a" && text != std::string(300000, 'b')) ++failures;
+    }
+    first.join();
+    second.join();
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(folder.Files(), 1) << "nothing but the file itself";
 }
 #endif
