@@ -43,8 +43,9 @@ public:
     /// Blocks are [channels][frames]; the first adds to the outputs. [audio]
     virtual void process(float** inputs, float** outputs, VstInt32 frames) = 0;
     virtual void processReplacing(float** inputs, float** outputs, VstInt32 frames) = 0;
-    /// The host has called on a thread on which it may be told things, and got its answer. [main]
-    virtual void dispatched() {}
+    /// The host has made a call and got its answer. `mayBeAudio` says whether it is one that hosts
+    /// make on the audio thread as well; which thread this is, the call does not tell. [any]
+    virtual void dispatched(bool /*mayBeAudio*/) {}
     /// Events of the next block; answers 1. [audio]
     virtual VstInt32 processEvents(const VstEvents* events);
 

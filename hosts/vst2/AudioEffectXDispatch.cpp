@@ -23,6 +23,22 @@ VstIntPtr WriteText(void* pointer, Job&& job) {
     return job(text);
 }
 
+/// Calls whose own work locks and takes memory, so that no host makes them where blocks wait.
+bool IsNoneOfTheAudioThread(VstInt32 opcode) noexcept {
+    switch (opcode) {
+        case effSetSampleRate:
+        case effMainsChanged:
+        case effEditOpen:
+        case effEditClose:
+        case effEditIdle:
+        case effGetChunk:
+        case effSetChunk:
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 /// Opcodes that nobody lists below are answered with 0: offline processing, shells, pan laws, names
@@ -46,10 +62,7 @@ VstIntPtr AudioEffectX::Dispatch(AEffect* effect, VstInt32 opcode, VstInt32 inde
     for (const Subject subject : kSubjects) {
         if ((answer = (self.*subject)(call))) break;
     }
-    // Hosts make these calls on the audio thread.
-    const bool mayBeAudio =
-        opcode == effProcessEvents || opcode == effStartProcess || opcode == effStopProcess;
-    if (!mayBeAudio) self.dispatched();
+    self.dispatched(!IsNoneOfTheAudioThread(opcode));
     return answer.value_or(0);
 }
 

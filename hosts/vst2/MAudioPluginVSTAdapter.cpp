@@ -115,14 +115,15 @@ void MAudioPluginVSTAdapter::ReportLatency() {
 
 template <class Tell>
 void MAudioPluginVSTAdapter::TellHost(std::atomic<bool>& waits, Tell&& tell) {
-    if (std::this_thread::get_id() == homeThread_) {
+    if (IsAtHome()) {
         tell();
     } else {
         waits.store(true);
     }
 }
 
-void MAudioPluginVSTAdapter::dispatched() {
+void MAudioPluginVSTAdapter::dispatched(bool mayBeAudio) {
+    if (mayBeAudio && !IsAtHome()) return;
     Guard("MAudioPluginVSTAdapter::dispatched", [&] {
         if (IsTimeForMoves()) plugin_->ReportMovedParameters();
         if (latencyWaits_.exchange(false)) ioChanged();

@@ -65,14 +65,17 @@ public:
     VstInt32 getVendorVersion() override { return 1; }
     VstInt32 canDo(const char* text) override;
     /// Tells the host what has waited for that: changes that other threads have made, parameters
-    /// that MIDI or MultiParameters have moved. [main]
-    void dispatched() override;
+    /// that MIDI or MultiParameters have moved, and writes out failures. After calls that may be
+    /// the audio thread's it does so only on the thread that the host made the plug-in on; after
+    /// the others on any, for hosts that never come back on that one. [any]
+    void dispatched(bool mayBeAudio) override;
 
     void SendBypassAutomation(bool on) override;
     void GenerateMIDIEvent(int deltaFrames, const std::array<std::uint8_t, 4>& data) override;
     /// This and ReportParameterChanges reach the host at once on the thread that it made the
-    /// plug-in on; from any other, such as the one that loads presets, with the host's next call: a
-    /// host may wait for its own thread when it is told something. [any]
+    /// plug-in on; from any other, such as the one that loads presets, with the host's next call
+    /// for which `dispatched` does so: a host may wait for its own thread when it is told
+    /// something. [any]
     void ReportLatency() override;
     void ChangeEditorSize(int width, int height) override;
     void SendParameterAutomation(std::uint32_t identifier, double x) override;
@@ -89,6 +92,7 @@ private:
     bool FillPin(VstInt32 index, int channelCount, VstPinProperties& pin) const;
     int CreatedChannelsPerBus() const noexcept { return created_.outputs; }
 
+    bool IsAtHome() const noexcept { return std::this_thread::get_id() == homeThread_; }
     bool IsTimeForMoves() noexcept;
     template <class Tell>
     void TellHost(std::atomic<bool>& waits, Tell&& tell);

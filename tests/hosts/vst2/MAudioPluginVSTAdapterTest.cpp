@@ -211,10 +211,20 @@ TEST_F(MAudioPluginVSTAdapterTest, TellsTheHostOfChanges) {
     EXPECT_EQ(host.Count(audioMasterUpdateDisplay), 1);
     std::thread([&] { probe->Host()->ReportParameterChanges(); }).join();
     EXPECT_EQ(host.Count(audioMasterUpdateDisplay), 1) << "not on a thread of our own";
-    Call(effStartProcess);
+    std::thread([&] {
+        for (const int opcode : {effProcessEvents, effStopProcess, effGetTailSize, effSetBypass,
+                                 effSetProcessPrecision, effVendorSpecific, effGetParamDisplay}) {
+            Call(opcode);
+        }
+    }).join();
     EXPECT_EQ(host.Count(audioMasterUpdateDisplay), 1) << "this may be the audio thread";
-    Call(effGetVstVersion, 0, 0, nullptr);
+    Call(effGetVstVersion);
     EXPECT_EQ(host.Count(audioMasterUpdateDisplay), 2);
+    std::thread([&] {
+        probe->Host()->ReportParameterChanges();
+        Call(effEditIdle);
+    }).join();
+    EXPECT_EQ(host.Count(audioMasterUpdateDisplay), 3) << "the host may never come back";
     // A host that reads everything anew whenever it is told must not be told by that.
     for (int i = 0; i < 20; ++i) Call(effGetVstVersion);
     EXPECT_EQ(probe->askedForMoves, 1);
