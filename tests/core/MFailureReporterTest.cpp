@@ -43,9 +43,9 @@ TEST(MFailureReporter, WritesOrCountsWhatManyThreadsReportAtOnceAndChargesNoneOf
         if (line == "Kestrune: SYSTEM EXCEPTION! Run") {
             ++written;
         } else {
-            lost += std::stoi(line.substr(line.find(' ')));
+            lost += std::stoi(line.substr(std::string("Kestrune: ").size()));
         }
     }
     EXPECT_EQ(written + lost, kThreads * kReports);
-    EXPECT_GE(written, MFailureQueue::kRecords);
+    EXPECT_GE(written, MFailureQueue::kRecords - 1) << "the first line has a place as well";
 }
