@@ -2,17 +2,14 @@
 #pragma once
 
 #include "adapters/multiband/MBandProcessor.h"
+#include "tests/support/Sound.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <random>
 #include <stdexcept>
-#include <vector>
 
-using Sound = std::vector<std::vector<float>>;  // [channels][samples]
-
-inline constexpr double kSampleRate = 48000;
 inline constexpr std::array kLimits = {100.0, 300.0, 1000.0, 3000.0, 8000.0};
 using Slope = MAnalogCrossover::Slope;
 
@@ -21,6 +18,12 @@ class TestEffects final : public MBandEffects {
 public:
     explicit TestEffects(int channels) : channels_(channels) {}
 
+    Sound Run(int band, Sound sound) {
+        std::array<float*, MBandProcessor::kMaxChannels> samples{};
+        for (std::size_t c = 0; c < sound.size(); ++c) samples[c] = sound[c].data();
+        ProcessBand(band, samples.data(), samples.data(), static_cast<int>(sound[0].size()));
+        return sound;
+    }
     void ProcessBand(int band, const float* const* inputs, float* const* outputs,
                      int count) override {
         ++runs[band];
@@ -42,31 +45,6 @@ private:
     float memory_[kMaxCrossoverBands][MBandProcessor::kMaxChannels] = {};
 };
 
-inline Sound Noise(int channels, int count, unsigned seed) {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<float> uniform(-1, 1);
-    Sound sound(channels, std::vector<float>(count));
-    for (auto& channel : sound) {
-        for (float& sample : channel) sample = uniform(random);
-    }
-    return sound;
-}
-
-/// Runs samples `first` .. `first` + `count` - 1 of `sound` in place.
-inline void RunInPlace(MBandProcessor& processor, const MBandBlock& block, MBandEffects& effects,
-                       Sound& sound, int first, int count) {
-    std::array<float*, MBandProcessor::kMaxChannels> channels{};
-    for (std::size_t c = 0; c < sound.size(); ++c) channels[c] = sound[c].data() + first;
-    processor.TakeDesigns();
-    processor.Process(block, effects, channels.data(), channels.data(), count);
-}
-
-inline Sound RunWhole(MBandProcessor& processor, const MBandBlock& block, MBandEffects& effects,
-                      Sound sound) {
-    RunInPlace(processor, block, effects, sound, 0, static_cast<int>(sound[0].size()));
-    return sound;
-}
-
 inline double Difference(const Sound& a, const Sound& b) {
     double largest = 0;
     for (std::size_t c = 0; c < a.size(); ++c) {
@@ -78,19 +56,31 @@ inline double Difference(const Sound& a, const Sound& b) {
 }
 
 inline double Peak(const Sound& sound) {
-    return Difference(sound, Sound(sound.size(), std::vector<float>(sound[0].size())));
+    return Difference(
+        sound, Constant(static_cast<int>(sound.size()), static_cast<int>(sound[0].size()), 0));
 }
 
-/// A prepared processor with both crossovers designed.
+/// A prepared processor, with both crossovers designed when it is told how many bands it has.
 struct Bands {
+    Bands() : effects(2) { processor.Prepare(2); }
     explicit Bands(int bandCount, int channels = 2, Slope slope = Slope::Slope24)
         : effects(channels) {
         block.bandCount = bandCount;
-        processor.Analog().Design(bandCount, kLimits, kSampleRate, slope);
-        processor.LinearPhase().Design(bandCount, kLimits, kSampleRate, false);
+        processor.Analog().Design(bandCount, kLimits, 48000, slope);
+        processor.LinearPhase().Design(bandCount, kLimits, 48000, false);
         processor.Prepare(channels);
     }
-    Sound Run(const Sound& sound) { return RunWhole(processor, block, effects, sound); }
+    Sound Run(Sound sound) {
+        Run(sound, 0, static_cast<int>(sound[0].size()));
+        return sound;
+    }
+    /// Samples `first` .. `first` + `count` - 1 in place.
+    void Run(Sound& sound, int first, int count) {
+        std::array<float*, MBandProcessor::kMaxChannels> channels{};
+        for (std::size_t c = 0; c < sound.size(); ++c) channels[c] = sound[c].data() + first;
+        processor.TakeDesigns();
+        processor.Process(block, effects, channels.data(), channels.data(), count);
+    }
 
     MBandProcessor processor;
     MBandBlock block;

@@ -2,12 +2,10 @@
 #pragma once
 
 #include "adapters/multiband/MBandBlock.h"
-#include "adapters/multiband/MBandEffects.h"
 #include "dsp/MAnalogCrossover.h"
 #include "dsp/MLinearPhaseCrossover.h"
 #include "tests/adapters/BandsForTests.h"
 
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -21,7 +19,7 @@ public:
     MAnalogCrossover analog;
     MLinearPhaseCrossover linearPhase;
 
-    Sound Process(const MBandBlock& block, MBandEffects& effects, const Sound& given) {
+    Sound Process(const MBandBlock& block, TestEffects& effects, const Sound& given) {
         analog.BeginBlock();
         linearPhase.BeginBlock();
         const int count = static_cast<int>(given[0].size());
@@ -34,7 +32,7 @@ public:
             const MBandSettings& settings = block.bands[band];
             Sound bandInput = Split(block, band, input);
             if (input.size() == 2) Pan(block, settings, bandInput);
-            const Sound bandOutput = RunEffect(effects, band, bandInput);
+            const Sound bandOutput = effects.Run(band, bandInput);
             if (settings.isMuted) continue;
             for (std::size_t c = 0; c < input.size(); ++c) {
                 for (int i = 0; i < count; ++i) {
@@ -61,38 +59,29 @@ private:
         return from + i * ((to - from) / count);
     }
 
-    static double Start(const MBandBlock& block, const MBandSettings& band) {
-        if (!block.wetAffectsGain) return block.inputGain.from * band.gain.from;
-        return (block.wet.from * band.gain.from + (1 - block.wet.from)) * block.inputGain.from;
-    }
-
-    static double End(const MBandBlock& block, const MBandSettings& band) {
-        if (!block.wetAffectsGain) return block.inputGain.to * band.gain.to;
-        return (block.wet.to * band.gain.to + (1 - block.wet.to)) * block.inputGain.to;
-    }
-
-    static void Multiply(const MBandBlock& block, int band, const std::vector<double>& from,
-                         std::vector<float>& to) {
-        const int count = static_cast<int>(from.size());
-        const double start = Start(block, block.bands[band]), end = End(block, block.bands[band]);
-        for (int i = 0; i < count; ++i) {
-            to[i] = static_cast<float>(from[i] * At(start, end, i, count));
-        }
+    /// What a band's input is multiplied by at the `end` of a block.
+    static double Gain(const MBandBlock& block, int band, double MRampEnds::*end) {
+        const double gain = block.bands[band].gain.*end, wet = block.wet.*end;
+        return block.inputGain.*end * (block.wetAffectsGain ? wet * gain + (1 - wet) : gain);
     }
 
     Sound Split(const MBandBlock& block, int band, const Sound& input) {
+        const double start = Gain(block, band, &MRampEnds::from);
+        const double end = Gain(block, band, &MRampEnds::to);
+        const bool splits = block.bandCount > 1 && block.splitOverride < 0;
+        const int count = static_cast<int>(input[0].size());
         Sound result = input;
         for (std::size_t c = 0; c < input.size(); ++c) {
-            const int count = static_cast<int>(input[c].size());
             std::vector<double> scratch(input[c].begin(), input[c].end());
-            const bool splits = block.bandCount > 1 && block.splitOverride < 0;
             if (splits && !block.isLinearPhase) {
                 analog.ProcessBand(analogStates_[c], band, scratch.data(), scratch.data(), count);
             }
-            Multiply(block, band, scratch, result[c]);
+            float* const samples = result[c].data();
+            for (int i = 0; i < count; ++i) {
+                samples[i] = static_cast<float>(scratch[i] * At(start, end, i, count));
+            }
             if (splits && block.isLinearPhase) {
-                linearPhase.ProcessBand(linearStates_[c], band, result[c].data(), result[c].data(),
-                                        count);
+                linearPhase.ProcessBand(linearStates_[c], band, samples, samples, count);
             }
         }
         return result;
@@ -112,18 +101,6 @@ private:
                 sound[1][i] = static_cast<float>((1 + p) * right);
             }
         }
-    }
-
-    static Sound RunEffect(MBandEffects& effects, int band, const Sound& input) {
-        Sound output = input;
-        std::array<const float*, 8> inputs{};
-        std::array<float*, 8> outputs{};
-        for (std::size_t c = 0; c < input.size(); ++c) {
-            inputs[c] = input[c].data();
-            outputs[c] = output[c].data();
-        }
-        effects.ProcessBand(band, inputs.data(), outputs.data(), static_cast<int>(input[0].size()));
-        return output;
     }
 
     std::vector<MAnalogChannelState> analogStates_;

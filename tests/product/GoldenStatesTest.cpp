@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string>
 #include <vector>
 
 namespace {
@@ -32,8 +31,7 @@ void Render(std::span<const std::uint8_t> state, bool loadsLate, Channels& outpu
     if (loadsLate) plugin->InitProcessing();
     MPluginState::Load(*plugin, state);
     if (!loadsLate) plugin->InitProcessing();
-    Channels input(2, kLength);
-    input.FillWithNoise(1, 0.25f);
+    Channels input(2, kLength, 1, 0.25f);
     for (int c = 0; c < 2; ++c) std::fill(input[c].begin() + kLength / 2, input[c].end(), 0.0f);
     RunPlugin(*plugin, input, output, 256);
 }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "product/MProductInstance.h"
-#include "tests/support/EngineRun.h"
 #include "tests/support/RunPlugin.h"
 #include "tests/support/TemporaryFolder.h"
 

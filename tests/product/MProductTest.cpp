@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <memory>
 #include <numbers>
 
@@ -17,10 +16,10 @@ using Slope = MAudioFilters::CrossoverGeneralizedType;
 constexpr int kRate = 48000;
 constexpr int kLength = 1 << 15;
 
-Product Make(int bands, const MBandOptions& options = {}) {
+Product Make(int bands, bool isLinear = false, Slope slope = Slope::Slope24) {
     Product plugin = MProductFactory::Create();
     plugin->CreateDefaultBands(bands);
-    plugin->SetOptions(options);
+    plugin->SetOptions({.isLinearPhase = isLinear, .slope = slope, .wet = {}, .dry = {}});
     plugin->SetSampleRate(kRate);
     plugin->InitProcessing();
     return plugin;
@@ -42,8 +41,7 @@ TEST(MProduct, OneDryBandIsTheInputBitForBit) {
     for (const int block : {1, 64, 999, 4096}) {
         const Product plugin = Make(1);
         SetDry(*plugin);
-        Channels input(2, kLength), output(2, kLength);
-        input.FillWithNoise(1);
+        Channels input(2, kLength, 1), output(2, kLength);
         RunPlugin(*plugin, input, output, block);
         EXPECT_EQ(output[0], input[0]);
         EXPECT_EQ(output[1], input[1]);
@@ -53,14 +51,11 @@ TEST(MProduct, OneDryBandIsTheInputBitForBit) {
 TEST(MProduct, BypassEqualsAFullyDrySettingWithTheAnalogCrossover) {
     for (const Slope slope : {Slope::Slope24, Slope::Slope48, Slope::Slope120}) {
         for (const int bands : {1, 2, 6}) {
-            MBandOptions options;
-            options.slope = slope;
-            const Product dry = Make(bands, options), bypassed = Make(bands, options);
+            const Product dry = Make(bands, false, slope), bypassed = Make(bands, false, slope);
             SetDry(*dry);
             bypassed->Bypass().SetValue(1);
             bypassed->InitProcessing();
-            Channels input(2, kLength), one(2, kLength), other(2, kLength);
-            input.FillWithNoise(2, 0.25f);
+            Channels input(2, kLength, 2, 0.25f), one(2, kLength), other(2, kLength);
             RunPlugin(*dry, input, one, 256);
             RunPlugin(*bypassed, input, other, 100);
             EXPECT_LT(DifferenceDb(one, other, 0), -120) << bands << " bands";
@@ -70,14 +65,11 @@ TEST(MProduct, BypassEqualsAFullyDrySettingWithTheAnalogCrossover) {
 
 TEST(MProduct, BypassWithTheLinearPhaseCrossoverIsTheInputAtTheReportedLatency) {
     for (const int bands : {1, 3}) {
-        MBandOptions options;
-        options.isLinearPhase = true;
-        const Product plugin = Make(bands, options);
+        const Product plugin = Make(bands, true);
         plugin->Bypass().SetValue(1);
         plugin->InitProcessing();
         EXPECT_EQ(plugin->GetLatency(), bands == 1 ? 0 : 3072);
-        Channels input(2, kLength), output(2, kLength);
-        input.FillWithNoise(3);
+        Channels input(2, kLength, 3), output(2, kLength);
         RunPlugin(*plugin, input, output, 441);
         EXPECT_EQ(DifferenceDb(input, output, 0, plugin->GetLatency()), -400);
     }
@@ -107,30 +99,23 @@ TEST(MProduct, ComesBackFromBypassAsIfItHadNeverBeenAway) {
 TEST(MProduct, HostWritesReachTheNextBlock) {
     const Product plugin = Make(1);
     Set(*plugin, "Dry", "0%");
-    Set(*plugin, "B1 T1 Delay", "10 ms");
     Set(*plugin, "B1 T1 Feedback", "silence");
-    Set(*plugin, "B1 T1 Gain", "0 dB");
-    plugin->InitProcessing();
-    Channels input(2, 4096), output(2, 4096);
+    Channels input(2, 4096), silence(2, 4096), output(2, 4096);
     input[0][0] = 1;
-    RunPlugin(*plugin, input, output, 4096);
-    const auto peak = [&] {
+    const auto peak = [&](const char* delay) {
+        Set(*plugin, "B1 T1 Delay", delay);
+        RunPlugin(*plugin, silence, output, 4096);
+        RunPlugin(*plugin, input, output, 4096);
         return std::max_element(output[0].begin(), output[0].end()) - output[0].begin();
     };
-    const auto first = peak();
-    Set(*plugin, "B1 T1 Delay", "20 ms");
-    Channels silence(2, 4096);
-    RunPlugin(*plugin, silence, output, 4096);
-    RunPlugin(*plugin, input, output, 4096);
-    EXPECT_EQ(peak() - first, 480);
+    const auto first = peak("10 ms");
+    EXPECT_EQ(peak("20 ms") - first, 480);
 }
 
 // Where the limit lies shows in how much of a sine gets into the band that is not muted.
 TEST(MProduct, BandLimitsFollowTheirAutomation) {
     for (const bool isLinear : {false, true}) {
-        MBandOptions options;
-        options.isLinearPhase = isLinear;
-        const Product plugin = Make(2, options);
+        const Product plugin = Make(2, isLinear);
         SetDry(*plugin);
         plugin->SetMute(1, true);
         Channels input(2, 16384), output(2, 16384);
@@ -148,33 +133,11 @@ TEST(MProduct, BandLimitsFollowTheirAutomation) {
     }
 }
 
-TEST(MProduct, RecoversFromInputThatIsNoSound) {
-    const float nonsense[] = {std::numeric_limits<float>::quiet_NaN(),
-                              std::numeric_limits<float>::infinity(),
-                              -std::numeric_limits<float>::max()};
-    for (const bool isLinear : {false, true}) {
-        MBandOptions options;
-        options.isLinearPhase = isLinear;
-        const Product plugin = Make(4, options);
-        SetDry(*plugin);
-        Channels input(2, kLength), output(2, kLength), reference(2, kLength);
-        input.FillWithNoise(4, 0.25f);
-        const Product undisturbed = Make(4, options);
-        SetDry(*undisturbed);
-        RunPlugin(*undisturbed, input, reference, 256);
-        for (int i = 0; i < 3; ++i) input[0][100 + i] = nonsense[i];
-        RunPlugin(*plugin, input, output, 256);
-        for (const float sample : output[0]) ASSERT_TRUE(std::isfinite(sample));
-        EXPECT_LT(DifferenceDb(reference, output, 2 * kLength / 3), -60);
-    }
-}
-
 TEST(MProduct, TakesOutputsThatAreItsInputs) {
     for (const int bands : {1, 3}) {
         for (const bool isBypassed : {false, true}) {
             const Product plugin = Make(bands), inPlace = Make(bands), swapped = Make(bands);
-            Channels input(2, 4096), output(2, 4096), same(2, 4096), crossed(2, 4096);
-            for (Channels* channels : {&input, &same, &crossed}) channels->FillWithNoise(5);
+            Channels input(2, 4096, 5), output(2, 4096), same(2, 4096, 5), crossed(2, 4096, 5);
             for (const Product* each : {&plugin, &inPlace, &swapped}) {
                 (*each)->Bypass().SetValue(isBypassed ? 1 : 0);  // fades while it runs
             }
@@ -194,11 +157,8 @@ TEST(MProduct, TakesOutputsThatAreItsInputs) {
 
 TEST(MProduct, FollowsAnotherRateAndOtherChannelsFromTheNextStartOn) {
     for (const bool isLinear : {false, true}) {
-        MBandOptions options;
-        options.isLinearPhase = isLinear;
-        const Product plugin = Make(5, options);
-        Channels input(8, 8192), output(8, 8192), expected(8, 8192);
-        input.FillWithNoise(6);
+        const Product plugin = Make(5, isLinear);
+        Channels input(8, 8192, 6), output(8, 8192), expected(8, 8192);
         RunPlugin(*plugin, input, output, 1024);
         plugin->SetSampleRate(96000);  // and blocks go on until the host starts anew
         RunPlugin(*plugin, input, output, 1024);
@@ -207,7 +167,7 @@ TEST(MProduct, FollowsAnotherRateAndOtherChannelsFromTheNextStartOn) {
         plugin->CreateDefaultBands(6);
         RunPlugin(*plugin, input, output, 1024);
 
-        const Product fresh = Make(6, options);
+        const Product fresh = Make(6, isLinear);
         fresh->SetSampleRate(96000);
         fresh->SetBusLayout({8, 8});
         RunPlugin(*fresh, input, expected, 1024);
@@ -219,20 +179,15 @@ TEST(MProduct, FollowsAnotherRateAndOtherChannelsFromTheNextStartOn) {
 
 TEST(MProduct, BandsThatComeBackBringNoOldEchoes) {
     const Product plugin = Make(3);
-    Channels input(2, 4096), output(2, 4096);
-    const Channels silence(2, 4096);
-    input.FillWithNoise(7);
-    RunPlugin(*plugin, input, output, 512);
-    MXMLTree one("layout"), three("layout");
-    one.Root().SetAttribute("BandCount", "1");
-    three.Root().SetAttribute("BandCount", "3");
-    plugin->LoadBandSettings(one.Root());
-    Channels pause(2, 96000), tail(2, 96000);
-    RunPlugin(*plugin, pause, tail, 512);  // the only band that runs fades out
-    plugin->LoadBandSettings(three.Root());
-    Channels quiet(2, 48000), echoes(2, 48000);
-    RunPlugin(*plugin, quiet, echoes, 512);
-    EXPECT_LT(DifferenceDb(quiet, echoes, 0), -60);
+    Channels noise(2, 4096, 7), silence(2, 96000), output(2, 96000);
+    RunPlugin(*plugin, noise, output, 512);
+    MXMLTree layout("layout");
+    for (const char* count : {"1", "3"}) {
+        layout.Root().SetAttribute("BandCount", count);
+        plugin->LoadBandSettings(layout.Root());
+        RunPlugin(*plugin, silence, output, 512);  // the only band that runs fades out
+    }
+    EXPECT_LT(DifferenceDb(silence, output, 0), -60);
 }
 
 }  // namespace

@@ -25,8 +25,7 @@ TEST(ProductThreads, TheBandCountMayChangeInTheMiddleOfABlock) {
     plugin->InitProcessing();
     std::atomic<bool> isRunning{true};
     std::thread audio([&] {
-        Channels input(2, kBlock), output(2, kBlock);
-        input.FillWithNoise(1);
+        Channels input(2, kBlock, 1), output(2, kBlock);
         while (isRunning) {
             RunPlugin(*plugin, input, output, kBlock);
             for (int c = 0; c < 2; ++c) {
@@ -34,13 +33,10 @@ TEST(ProductThreads, TheBandCountMayChangeInTheMiddleOfABlock) {
             }
         }
     });
-    MBandOptions options;
     for (int change = 0; change < 100000; ++change) {
         plugin->CreateDefaultBands(1 + change % 6);
-        if (change % 2000 == 0) {
-            options.isLinearPhase = !options.isLinearPhase && change % 4000 == 0;
-            plugin->SetOptions(options);
-        }
+        if (change % 2000 == 0)
+            plugin->SetOptions({.isLinearPhase = change % 4000 == 0, .wet = {}, .dry = {}});
         if (change % 5000 == 0) plugin->InitProcessing();
         if (change % 100 == 0) plugin->SetMute(0, change % 200 == 0);
     }
@@ -51,8 +47,7 @@ TEST(ProductThreads, TheBandCountMayChangeInTheMiddleOfABlock) {
     plugin->CreateDefaultBands(1);
     plugin->BandParameters().Wet().SetValue(0);
     plugin->InitProcessing();
-    Channels input(2, kBlock), output(2, kBlock);
-    input.FillWithNoise(2);
+    Channels input(2, kBlock, 2), output(2, kBlock);
     RunPlugin(*plugin, input, output, kBlock);
     EXPECT_EQ(output[0], input[0]);
 }
@@ -63,9 +58,7 @@ TEST(ProductThreads, WhatIsLoadedLastHoldsWhateverElseGoesOn) {
     const auto stateWith = [](int bands, bool isLinear) {
         const auto other = MProductFactory::Create();
         other->CreateDefaultBands(bands);
-        MBandOptions options;
-        options.isLinearPhase = isLinear;
-        other->SetOptions(options);
+        other->SetOptions({.isLinearPhase = isLinear, .wet = {}, .dry = {}});
         other->GenerateRandomSettings();
         MModulationSettings modulation;
         modulation.modulators[0].modulator.isEnabled = true;
@@ -82,24 +75,22 @@ TEST(ProductThreads, WhatIsLoadedLastHoldsWhateverElseGoesOn) {
             for (int i = 0; isRunning; ++i) job(i);
         });
     };
-    std::thread others[] = {repeat([&](int) {
-                                Channels input(2, kBlock), output(2, kBlock);
-                                input.FillWithNoise(1);
-                                for (int i = 0; i < 100; ++i)
-                                    RunPlugin(*plugin, input, output, kBlock);
-                                for (const float sample : output[0])
-                                    ASSERT_TRUE(std::isfinite(sample));
-                            }),
+    const auto play = [&](int) {
+        Channels input(2, kBlock, 1), output(2, kBlock);
+        for (int i = 0; i < 100; ++i) RunPlugin(*plugin, input, output, kBlock);
+        for (const float sample : output[0]) ASSERT_TRUE(std::isfinite(sample));
+    };
+    const auto edit = [&](int i) {
+        if (i % 4 == 0) plugin->CreateDefaultBands(1 + i % 6);
+        if (i % 4 == 1) plugin->GenerateRandomSettings();
+        if (i % 4 == 2) plugin->Modulation().SetModulator(i % 3, {});
+        if (i % 40 == 3) plugin->InitProcessing();
+        plugin->SetEditedBand(0);
+        plugin->SetParameter(static_cast<std::uint32_t>(i % 208), 0.5, false);
+    };
+    std::thread others[] = {repeat(play), repeat(edit),
                             repeat([&](int i) { MPluginState::Load(*plugin, states[i % 3]); }),
-                            repeat([&](int) { MPluginState::Save(*plugin); }), repeat([&](int i) {
-                                if (i % 4 == 0) plugin->CreateDefaultBands(1 + i % 6);
-                                if (i % 4 == 1) plugin->GenerateRandomSettings();
-                                if (i % 4 == 2) plugin->Modulation().SetModulator(i % 3, {});
-                                if (i % 40 == 3) plugin->InitProcessing();
-                                plugin->SetEditedBand(0);
-                                plugin->SetParameter(static_cast<std::uint32_t>(i % 208), 0.5,
-                                                     false);
-                            })};
+                            repeat([&](int) { MPluginState::Save(*plugin); })};
     for (int load = 0; load < (kIsSanitized ? 30 : 300); ++load) {
         MPluginState::Load(*plugin, states[load % 3]);
     }
@@ -158,22 +149,18 @@ private:
 TEST(ProductThreads, BlocksNeitherAllocateNorWaitUnderAutomation) {
     for (const bool isLinear : {false, true}) {
         const auto plugin = MProductFactory::Create();
-        MBandOptions options;
-        options.isLinearPhase = isLinear;
-        plugin->SetOptions(options);
+        plugin->SetOptions({.isLinearPhase = isLinear, .wet = {}, .dry = {}});
         plugin->CreateDefaultBands(6);
         plugin->SetMetering(true);
         Automation automation(*plugin);
         plugin->InitProcessing();
-        Channels input(2, 1024), output(2, 1024);
-        input.FillWithNoise(3);
-        RunPlugin(*plugin, input, output, 1024);
-        MXMLTree one("layout"), six("layout");
-        one.Root().SetAttribute("BandCount", "1");
-        six.Root().SetAttribute("BandCount", "6");
-        plugin->LoadBandSettings(one.Root());
-        RunPlugin(*plugin, input, output, 1024);
-        plugin->LoadBandSettings(six.Root());  // five bands start anew in the next block
+        Channels input(2, 1024, 3), output(2, 1024);
+        MXMLTree layout("layout");
+        for (const char* count : {"1", "6"}) {  // five bands start anew in the next block
+            RunPlugin(*plugin, input, output, 1024);
+            layout.Root().SetAttribute("BandCount", count);
+            plugin->LoadBandSettings(layout.Root());
+        }
 
         // Another thread uses what threads may use meanwhile.
         std::atomic<bool> isRunning{true};

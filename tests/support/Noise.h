@@ -24,6 +24,11 @@ public:
             constants_.push_back(channel.data());
         }
     }
+    /// White noise.
+    Channels(int channels, int count, unsigned seed, float level = 1.0f)
+        : Channels(channels, count) {
+        FillWithNoise(seed, level);
+    }
     Channels(const Channels&) = delete;
     Channels& operator=(const Channels&) = delete;
 

@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/effect/MHostedEffect.h"
-#include "core/MException.h"
 #include "effects/delay/MDelayAudioEffectPluginInterface.h"
 #include "effects/delay/MDelayParameters.h"
 #include "tests/support/ProbeEffect.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -87,12 +82,6 @@ TEST(MHostedEffect, SaysWhatTheEffectHasSaid) {
     effect.Update();
     EXPECT_TRUE(effect.TakeListChanged());
     EXPECT_FALSE(effect.TakeListChanged());
-    effect.SetDefaults();
-    EXPECT_FALSE(effect.Records()[MDelayIndex::kSync].IsOn());
-
-    MHostedEffect refusing(ProbeEffect::Reset({.prepareResult = 1}), "Band 1");
-    EXPECT_THROW(refusing.Prepare(2, 48000), MException);
-    EXPECT_FALSE(refusing.IsPreparedFor(2, 48000));
 }
 
 }  // namespace

@@ -13,8 +13,10 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <span>
 
 using testing::ElementsAre;
+using testing::ThrowsMessage;
 
 namespace {
 
@@ -212,8 +214,7 @@ TEST_F(MModulationTest, FollowsTheLevelOfInputOrSideChain) {
     Modulate(0, follower, Target("Level", MTargetMode::Range, 0));
     EXPECT_NEAR(Run(6400), 0, 0.3) << "full scale";
     follower.modulator.followerInput = MFollowerInput::SideChain;
-    Modulation().SetModulator(0,
-                              {follower.modulator, Modulation().Settings().modulators[0].targets});
+    Modulate(0, follower, Target("Level", MTargetMode::Range, 0));
     EXPECT_NEAR(Run(6400), 0, 0.3) << "the input, without a side chain";
     Channels sideChain(2, 6400);
     adapter_->SetSideChain(sideChain.Constants(), 2);
@@ -290,14 +291,10 @@ TEST_F(MModulationTest, RefusesMultiParametersThatMoveThemselves) {
     const auto moves = [&](const char* id) { return Target(id, MTargetMode::Range, 0); };
     Drive(1, MMultiParameterMode::Continuous, {moves("MultiParameter 4")});
     Drive(3, MMultiParameterMode::Continuous, {moves("Level"), moves("MultiParameter 1")});
-    try {
-        Drive(0, MMultiParameterMode::Continuous, {moves("MultiParameter 2")});
-        ADD_FAILURE();
-    } catch (const MException& exception) {
-        EXPECT_EQ(exception.Text(),
-                  "MultiParameter 1 would move itself: MultiParameter 1 -> MultiParameter 2 -> "
-                  "MultiParameter 4 -> MultiParameter 1.");
-    }
+    EXPECT_THAT([&] { Drive(0, MMultiParameterMode::Continuous, {moves("MultiParameter 2")}); },
+                ThrowsMessage<MException>(
+                    "MultiParameter 1 would move itself: MultiParameter 1 -> MultiParameter 2 -> "
+                    "MultiParameter 4 -> MultiParameter 1."));
     EXPECT_TRUE(Modulation().Settings().multiParameters[0].targets.empty());
     EXPECT_THROW(Drive(2, MMultiParameterMode::Switch, {moves("MultiParameter 3")}), MException);
 }
@@ -330,20 +327,11 @@ TEST_F(MModulationTest, KeepsWhatItStoresAndReportsLostTargetsOnce) {
 }
 
 TEST_F(MModulationTest, HoldsWhatAStateHasWrong) {
-    MXMLTree tree("settings");
-    MXMLNode node = tree.Root().AddChild("LFO");
-    for (const char* key : {"Source", "Rate", "Depth", "FollowerKnee", "Seed", "StepCount"}) {
-        node.SetAttribute(key, "nan");
-    }
-    node.SetAttribute("Shape", "99");
-    node.SetAttribute("Offset", "-7");
-    node.SetAttribute("Steps", "0.5 nan 2  x");
-    for (int i = 0; i < 40; ++i) {
-        MXMLNode target = node.AddChild("Target");
-        target.SetAttribute("ID", "Level");
-        target.SetAttribute("Mode", "9");
-        target.SetAttribute("Depth", "inf");
-    }
+    std::string text =
+        "<settings><LFO Source='nan' Rate='nan' Depth='nan' FollowerKnee='nan' Seed='nan' "
+        "StepCount='nan' Shape='99' Offset='-7' Steps='0.5 nan 2  x'>";
+    for (int i = 0; i < 40; ++i) text += "<Target ID='Level' Mode='9' Depth='inf'/>";
+    const MXMLTree tree = MXMLTree::Parse(text + "</LFO></settings>");
     MLFOSettings settings = Square();
     settings.modulator.rate = 7;
     settings.modulator.phase = 0.25;
@@ -357,9 +345,7 @@ TEST_F(MModulationTest, HoldsWhatAStateHasWrong) {
     EXPECT_EQ(settings.modulator.phase, 0.25) << "absent";
     EXPECT_EQ(settings.modulator.offset, -1);
     EXPECT_EQ(settings.modulator.shape.shape, MShape::Sine);
-    EXPECT_THAT(std::vector<double>(settings.modulator.shape.steps.begin(),
-                                    settings.modulator.shape.steps.begin() + 4),
-                ElementsAre(0.5, 0, 1, 0));
+    EXPECT_THAT(std::span(settings.modulator.shape.steps).first<4>(), ElementsAre(0.5, 0, 1, 0));
     ASSERT_EQ(settings.targets.size(), 32u);
     EXPECT_EQ(settings.targets[5].motion.mode, MTargetMode::CentreAndDepth);
     EXPECT_EQ(settings.targets[5].motion.depth, 0.5);

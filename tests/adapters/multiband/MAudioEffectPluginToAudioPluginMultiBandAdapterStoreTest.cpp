@@ -32,9 +32,11 @@ protected:
         MPluginState::Load(
             plugin_, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
     }
+    void RunBlock() { RunPlugin(plugin_, input_, output_, kBlock); }
     double Level(int band) { return plugin_.Effect(band).Records()[ProbeEffect::Level].Value(); }
 
     MAudioEffectPluginToAudioPluginMultiBandAdapter plugin_;
+    Channels input_{2, kBlock}, output_{2, kBlock};
 };
 
 TEST_F(MultiBandStoreTest, BlocksAndSavesHaveAllOfAStateOrNothingOfIt) {
@@ -50,12 +52,11 @@ TEST_F(MultiBandStoreTest, BlocksAndSavesHaveAllOfAStateOrNothingOfIt) {
     std::atomic<bool> isRunning{true};
     std::atomic<int> heard[2]{}, torn{0};
     std::thread audio([&] {
-        Channels input(2, kBlock), output(2, kBlock);
         while (isRunning) {
-            RunPlugin(plugin_, input, output, kBlock);
-            const float first = output[0][0];
+            RunBlock();
+            const float first = output_[0][0];
             const auto differs = [&](float sample) { return sample != first; };
-            const bool isWhole = std::none_of(output[1].begin(), output[1].end(), differs);
+            const bool isWhole = std::none_of(output_[1].begin(), output_[1].end(), differs);
             if (isWhole && first == 0.25f) {
                 ++heard[0];
             } else if (isWhole && first == 0.5f) {
@@ -97,8 +98,7 @@ TEST_F(MultiBandStoreTest, WhatIsChangedAfterALoadHasBegunIsNotUndoneByIt) {
     };
     plugin_.CreateDefaultBands(1);
     ProbeEffect::Reset(script);
-    Channels input(2, kBlock), output(2, kBlock);
-    std::thread audio([&] { RunPlugin(plugin_, input, output, kBlock); });
+    std::thread audio([&] { RunBlock(); });
     isInBlock.get_future().wait();
     std::thread loading(
         [&] { Load("<settings BandCount='2' Gain0='6' Pan0='1'><band0 level='9'/></settings>"); });
@@ -110,15 +110,14 @@ TEST_F(MultiBandStoreTest, WhatIsChangedAfterALoadHasBegunIsNotUndoneByIt) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));  // a change that did not wait is in
     mayEnd.set_value();
     for (std::thread* thread : {&audio, &loading, &changing}) thread->join();
-    RunPlugin(plugin_, input, output, kBlock);
+    RunBlock();
     EXPECT_EQ(plugin_.BandParameters().Gain(0).Value(), -6);
     EXPECT_EQ(plugin_.BandParameters().Panorama(0).Value(), 1);
     EXPECT_NE(Level(0), 9);
 }
 
 TEST_F(MultiBandStoreTest, LoadsAtOnceWhileNoBlocksCome) {
-    Channels input(2, kBlock), output(2, kBlock);
-    std::thread audio([&] { RunPlugin(plugin_, input, output, kBlock); });
+    std::thread audio([&] { RunBlock(); });
     audio.join();
     const auto start = std::chrono::steady_clock::now();
     for (int load = 0; load < 100; ++load) {
@@ -133,18 +132,17 @@ TEST_F(MultiBandStoreTest, SavesWhatWasWrittenToAModulatedParameterSinceTheLastB
     settings.modulators[0].modulator.isEnabled = true;
     settings.modulators[0].targets = {plugin_.Modulation().MakeTarget("Band panorama 1")};
     plugin_.Modulation().SetSettings(settings);
-    Channels input(2, kBlock), output(2, kBlock);
     const auto saved = [&] {
         const MXMLTree tree = MXMLTree::Parse(MPluginState::SaveText(plugin_));
         return tree.Root().Attribute("Pan0");
     };
-    RunPlugin(plugin_, input, output, kBlock);
+    RunBlock();
     ASSERT_TRUE(plugin_.BandParameters().Panorama(0).IsRedirected());
     EXPECT_EQ(saved(), "0") << "the knob, wherever the modulator has it";
     const std::uint32_t panorama = FindParameter(plugin_, "Band panorama 1");
     plugin_.SetParameter(panorama, 0.75, false);
     EXPECT_EQ(saved(), "0.5");
-    RunPlugin(plugin_, input, output, kBlock);
+    RunBlock();
     EXPECT_EQ(saved(), "0.5");
 }
 

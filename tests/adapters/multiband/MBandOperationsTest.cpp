@@ -41,13 +41,11 @@ TEST_F(MBandOperationsTest, AskBeforeTheyThrowSettingsAway) {
         return std::count(std::begin(done), std::end(done), true);
     };
     EXPECT_EQ(runAll(), 0);
-    EXPECT_THAT(
-        user.questions,
-        ElementsAre("Are you sure you want to reset the band settings?",
-                    "Are you sure you want to reset gain of all bands?",
-                    "Are you sure you want to reset panorama of all bands?",
-                    "Are you sure you want to clear current band settings and create 5 default "
-                    "bands?"));
+    EXPECT_THAT(user.questions, ElementsAre("Are you sure you want to reset the band settings?",
+                                            "Are you sure you want to reset gain of all bands?",
+                                            "Are you sure you want to reset panorama of all bands?",
+                                            "Are you sure you want to clear current band settings "
+                                            "and create 5 default bands?"));
     EXPECT_EQ(parameters.Gain(5).Value(), 12);
     EXPECT_TRUE(plugin.Layout().mute[0]);
 
@@ -67,9 +65,7 @@ TEST_F(MBandOperationsTest, ResetWhatTheBandDisplayShowsOfOneBand) {
     operations.ResetBand(1);
     EXPECT_EQ(parameters.Gain(1).Value(), 0);
     EXPECT_EQ(parameters.Panorama(1).Value(), 1);
-    MBandOptions options;
-    options.editsPanorama = true;
-    plugin.SetOptions(options);
+    plugin.SetOptions({.wet = {}, .dry = {}, .editsPanorama = true});
     operations.ResetBand(1);
     EXPECT_EQ(parameters.Panorama(1).Value(), 0);
     EXPECT_THROW(operations.ResetBand(3), MException);

@@ -28,8 +28,7 @@ constexpr int kRate = 48000;
 class Library : public testing::Test {
 protected:
     std::vector<float> Play(MVst2Host& host, int frames, int block) {
-        Channels in(2, frames), out(2, frames);
-        in.FillWithNoise(3, 0.25f);
+        Channels in(2, frames, 3, 0.25f), out(2, frames);
         for (int at = 0; at < frames; at += block) {
             host.Process(in.From(at), out.From(at), std::min(block, frames - at));
         }
