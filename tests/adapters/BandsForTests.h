@@ -45,11 +45,13 @@ private:
     float memory_[kMaxCrossoverBands][MBandProcessor::kMaxChannels] = {};
 };
 
+/// The largest difference; infinite where one of them is not finite.
 inline double Difference(const Sound& a, const Sound& b) {
     double largest = 0;
     for (std::size_t c = 0; c < a.size(); ++c) {
         for (std::size_t i = 0; i < a[c].size(); ++i) {
-            largest = std::max(largest, static_cast<double>(std::abs(a[c][i] - b[c][i])));
+            const double difference = static_cast<double>(std::abs(a[c][i] - b[c][i]));
+            largest = std::max(largest, std::isfinite(difference) ? difference : HUGE_VAL);
         }
     }
     return largest;

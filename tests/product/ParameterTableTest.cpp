@@ -1,23 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "core/MFiles.h"
 #include "product/MProductFactory.h"
 #include "tools/parameters/MParameterSheet.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <random>
 #include <set>
-#include <sstream>
 
 namespace {
 
 TEST(ParameterTable, IsTheOneThatProjectsRelyOn) {
     const auto plugin = MProductFactory::Create();
-    std::ifstream file(KESTRUNE_PARAMETER_SHEET, std::ios::binary);
-    std::stringstream sheet;
-    sheet << file.rdbuf();
-    ASSERT_FALSE(sheet.str().empty()) << KESTRUNE_PARAMETER_SHEET;
-    EXPECT_EQ(MParameterSheet::Write(*plugin), sheet.str());
+    EXPECT_EQ(MParameterSheet::Write(*plugin),
+              MFiles::Read(MFiles::FromText(KESTRUNE_PARAMETER_SHEET), 1 << 20));
 }
 
 TEST(ParameterTable, HasKeysAndNamesThatStayApartAndTextsThatReadBack) {

@@ -18,14 +18,16 @@ inline void RunPlugin(MAudioPlugin& plugin, Channels& input, Channels& output, i
 }
 
 /// The largest difference between `left` and `right`, which comes `delay` samples later, from
-/// sample `from` of `right` on, in decibels of full scale; -400 for none.
+/// sample `from` of `right` on, in decibels of full scale; -400 for none, infinite where one is
+/// not finite.
 inline double DifferenceDb(const Channels& left, const Channels& right, int from, int delay = 0) {
     double largest = 1e-20;
     for (int c = 0; c < left.Count(); ++c) {
         for (int i = std::max(from, delay); i < left.Length(); ++i) {
             const float one = left[c][i - delay], other = right[c][i];
-            largest =
-                std::max(largest, std::fabs(static_cast<double>(one) - static_cast<double>(other)));
+            const double difference =
+                std::fabs(static_cast<double>(one) - static_cast<double>(other));
+            largest = std::max(largest, std::isfinite(difference) ? difference : HUGE_VAL);
         }
     }
     return 20 * std::log10(largest);
