@@ -56,10 +56,14 @@ protected:
         settings.controllers[place] = {true, source, {parameter, 0}, {}};
         return settings.controllers[place];
     }
+    void Receive(int offset, int status, int first, int second) {
+        control.Receive(offset,
+                        {static_cast<std::uint8_t>(status), static_cast<std::uint8_t>(first),
+                         static_cast<std::uint8_t>(second), 0});
+    }
     /// One message in a block of its own; where Level is then.
     double Send(int status, int first, int second) {
-        control.Receive(0, {static_cast<std::uint8_t>(status), static_cast<std::uint8_t>(first),
-                            static_cast<std::uint8_t>(second), 0});
+        Receive(0, status, first, second);
         control.BeginBlock(64);
         control.ApplyUntil(63, &plugin);
         return plugin.GetParameter(0);
@@ -177,27 +181,19 @@ TEST_F(MMIDIControlTest, SurvivesFloodsAndGarbageInOrderAndWithoutMemory) {
     control.SetSettings(settings);
     Send(0xB0, 0, 0);
     std::mt19937 random(1);
-    const auto byte = [&] { return static_cast<std::uint8_t>(random() & 0xFF); };
+    const auto byte = [&] { return static_cast<int>(random() & 0xFF); };
     for (int block = 0; block < 60; ++block) {
         const AllocationCounter counter;
         const int count = static_cast<int>(random() % 600);
         const int messages = block % 5 == 0 ? 60000 : 10000;
         for (int i = 0; i < messages; ++i) {
             const int offset = static_cast<int>(random() % 1200) - 300;
-            const auto note = static_cast<std::uint8_t>(byte() / 2);
-            if (i % 2 == 0) {
-                control.Receive(offset, {0x90, note, 100, byte()});
-            } else {
-                control.Receive(offset, {byte(), byte(), byte(), byte()});
-            }
+            i % 2 == 0 ? Receive(offset, 0x90, byte() / 2, 100)
+                       : Receive(offset, byte(), byte(), byte());
         }
-        for (int last = 0; last < 200; ++last) control.Receive(100000, {0xB0, 7, 0, 0});
-        for (int note = 0; note < 128; ++note) {
-            control.Receive(100001, {0x80, static_cast<std::uint8_t>(note), 0, 0});
-        }
-        for (int channel = 0; channel < 16; ++channel) {
-            control.Receive(100001, {static_cast<std::uint8_t>(0xB0 + channel), 123, 0, 0});
-        }
+        for (int last = 0; last < 200; ++last) Receive(100000, 0xB0, 7, 0);
+        for (int note = 0; note < 128; ++note) Receive(100001, 0x80, note, 0);
+        for (int channel = 0; channel < 16; ++channel) Receive(100001, 0xB0 + channel, 123, 0);
         control.BeginBlock(count);
         for (int at = 0; at < count; at = std::max(at + 1, control.NextEvent(at + 1))) {
             control.ApplyUntil(at, &plugin);

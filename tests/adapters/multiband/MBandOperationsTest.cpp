@@ -19,21 +19,27 @@ struct User final : MConfirmation {
     bool agrees = false;
 };
 
-class MBandOperationsTest : public testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(plugin.Initialize()); }
-
+TEST(MBandOperations, AskBeforeTheyThrowSettingsAway) {
     MAudioEffectPluginToAudioPluginMultiBandAdapter plugin{
         {{}, ProbeEffect::Reset(), {}, nullptr, nullptr}};
-    User user;
-    MBandOperations operations{plugin, user};
+    ASSERT_TRUE(plugin.Initialize());
     MBandParameters& parameters = plugin.BandParameters();
-};
-
-TEST_F(MBandOperationsTest, AskBeforeTheyThrowSettingsAway) {
-    parameters.Gain(5).SetValue(12);
-    parameters.Panorama(5).SetValue(1);
+    User user;
+    MBandOperations operations(plugin, user);
+    for (const int band : {1, 5}) {
+        parameters.Gain(band).SetValue(12);
+        parameters.Panorama(band).SetValue(1);
+    }
     plugin.SetMute(0, true);
+
+    operations.ResetBand(1);
+    EXPECT_EQ(parameters.Gain(1).Value(), 0);
+    EXPECT_EQ(parameters.Panorama(1).Value(), 1);
+    plugin.SetOptions({.wet = {}, .dry = {}, .editsPanorama = true});
+    operations.ResetBand(1);
+    EXPECT_EQ(parameters.Panorama(1).Value(), 0);
+    EXPECT_THROW(operations.ResetBand(3), MException);
+    EXPECT_TRUE(user.questions.empty());
 
     const auto runAll = [&] {
         const bool done[] = {operations.ResetBandSettings(), operations.ResetGains(),
@@ -57,19 +63,6 @@ TEST_F(MBandOperationsTest, AskBeforeTheyThrowSettingsAway) {
     EXPECT_EQ(plugin.Layout().bandCount, 5);
     EXPECT_FALSE(plugin.Layout().mute[0]);
     EXPECT_THROW(operations.CreateDefaultBands(0), MException);
-}
-
-TEST_F(MBandOperationsTest, ResetWhatTheBandDisplayShowsOfOneBand) {
-    parameters.Gain(1).SetValue(3);
-    parameters.Panorama(1).SetValue(1);
-    operations.ResetBand(1);
-    EXPECT_EQ(parameters.Gain(1).Value(), 0);
-    EXPECT_EQ(parameters.Panorama(1).Value(), 1);
-    plugin.SetOptions({.wet = {}, .dry = {}, .editsPanorama = true});
-    operations.ResetBand(1);
-    EXPECT_EQ(parameters.Panorama(1).Value(), 0);
-    EXPECT_THROW(operations.ResetBand(3), MException);
-    EXPECT_TRUE(user.questions.empty());
 }
 
 }  // namespace
