@@ -158,7 +158,7 @@ TEST(MBandProcessor, AllocatesNothingOnceReserved) {
     }
 }
 
-TEST(MBandProcessor, StartsFromSilenceWhenPreparedOrReservedAndInBlocksOfAnySize) {
+TEST(MBandProcessor, StartsFromSilenceWhenPreparedReservedOrSplitAgainInBlocksOfAnySize) {
     std::mt19937 random(11);
     for (const bool isLinearPhase : {false, true}) {
         Bands used(5), fresh(5);
@@ -170,9 +170,15 @@ TEST(MBandProcessor, StartsFromSilenceWhenPreparedOrReservedAndInBlocksOfAnySize
         }
         const Sound sound = Noise(2, 9000);
         const Sound wanted = fresh.Run(sound);
-        for (const bool isReserved : {false, true}) {
+        for (int way = 0; way < 3; ++way) {
             used.Run(sound);
-            isReserved ? used.processor.Reserve(used.block, 100) : used.processor.Prepare(2);
+            if (way == 0) used.processor.Prepare(2);
+            if (way == 1) used.processor.Reserve(used.block, 100);
+            if (way == 2) {
+                used.block.splitOverride = 0;
+                used.Run(sound);
+                used.block.splitOverride = -1;
+            }
             used.effects = TestEffects(2);
             Sound output = sound;
             for (int first = 0, count = 0; first < 9000; first += count) {
