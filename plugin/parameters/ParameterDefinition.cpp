@@ -142,16 +142,15 @@ double ParameterDefinition::Knob() const noexcept {
 void ParameterDefinition::SetKnob(double newValue) noexcept {
     if (IsRedirected()) {
         SetSecondary(newValue);
-        MRelaxed::Store(written, newValue);
         // The modulator lets go before it looks a last time: one of the two finds the other's.
-        std::atomic_thread_fence(std::memory_order_seq_cst);
-        if (IsRedirected()) return;
+        std::atomic_ref(written).store(newValue, std::memory_order_seq_cst);
+        if ((std::atomic_ref(flags).load(std::memory_order_seq_cst) & kRedirect) != 0) return;
     }
     SetValue(newValue);
 }
 
 bool ParameterDefinition::TakeKnob() noexcept {
-    double last = MRelaxed::Load(written);
+    const double last = std::atomic_ref(written).load(std::memory_order_seq_cst);
     if (std::isnan(last)) return false;
     MRelaxed::Store(value, last);
     ForgetKnob(last);
