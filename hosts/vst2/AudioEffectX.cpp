@@ -5,12 +5,18 @@
 
 namespace Vst2 {
 
-AudioEffectX& AudioEffectX::Of(AEffect* effect) noexcept {
-    return *static_cast<AudioEffectX*>(effect->object);
+namespace {
+
+/// A host that answers nothing.
+VstIntPtr AnswerNothing(AEffect* /*effect*/, VstInt32 /*opcode*/, VstInt32 /*index*/,
+                        VstIntPtr /*value*/, void* /*pointer*/, float /*number*/) {
+    return 0;
 }
 
+}  // namespace
+
 AudioEffectX::AudioEffectX(AudioMasterCallback host, VstInt32 numPrograms, VstInt32 numParams)
-    : host_(host) {
+    : host_(host != nullptr ? host : &AnswerNothing) {
     effect_.magic = kEffectMagic;
     effect_.dispatcher = &AudioEffectX::Dispatch;
     effect_.process = [](AEffect* effect, float** inputs, float** outputs, VstInt32 frames) {
@@ -83,21 +89,11 @@ void AudioEffectX::setEditor(std::unique_ptr<AEffEditor> editor) noexcept {
     setFlag(effFlagsHasEditor, editor_ != nullptr);
 }
 
-VstIntPtr AudioEffectX::AskHost(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* pointer,
-                                float number) {
-    return host_ == nullptr ? 0 : host_(&effect_, opcode, index, value, pointer, number);
-}
-
 VstInt32 AudioEffectX::getMasterVersion() {
     return static_cast<VstInt32>(AskHost(audioMasterVersion));
 }
 
 void AudioEffectX::wantEvents() { AskHost(audioMasterWantMidi, 0, 1); }
-
-const VstTimeInfo* AudioEffectX::getTimeInfo(VstInt32 fields) {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): the interface passes this address as a number
-    return reinterpret_cast<const VstTimeInfo*>(AskHost(audioMasterGetTime, 0, fields));
-}
 
 bool AudioEffectX::sendVstEventsToHost(VstEvents& events) {
     return AskHost(audioMasterProcessEvents, 0, 0, &events) == 1;

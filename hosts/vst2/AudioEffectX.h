@@ -89,6 +89,15 @@ protected:
         MRelaxed::Store(effect_.initialDelay, samples);
     }
     void setFlag(VstAEffectFlags flag, bool isSet) noexcept;
+    /// Replaces the host's way to processReplacing, for classes whose function can do without the
+    /// virtual one. [setup]
+    void setProcessReplacing(AEffectProcess function) noexcept {
+        effect_.processReplacing = function;
+    }
+    /// What the host's functions get, as the object behind it. [any]
+    static AudioEffectX& Of(AEffect* effect) noexcept {
+        return *static_cast<AudioEffectX*>(effect->object);
+    }
     bool hasFlag(VstAEffectFlags flag) const noexcept { return (effect_.flags & flag) != 0; }
     /// Takes the editor over; the host learns that there is one. [setup]
     void setEditor(std::unique_ptr<AEffEditor> editor) noexcept;
@@ -97,7 +106,10 @@ protected:
     VstInt32 getMasterVersion();
     void wantEvents();
     /// `fields`: VstTimeInfoFlags; valid until the next call. [audio]
-    const VstTimeInfo* getTimeInfo(VstInt32 fields);
+    const VstTimeInfo* getTimeInfo(VstInt32 fields) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the interface passes this address as a number
+        return reinterpret_cast<const VstTimeInfo*>(AskHost(audioMasterGetTime, 0, fields));
+    }
     bool sendVstEventsToHost(VstEvents& events);
     /// The host reads channel counts and delay anew. [main]
     bool ioChanged();
@@ -119,7 +131,6 @@ private:
 
     static VstIntPtr Dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr value,
                               void* pointer, float number);
-    static AudioEffectX& Of(AEffect* effect) noexcept;
 
     Answer DispatchRunning(const Call& call);
     Answer DispatchTexts(const Call& call);
@@ -129,13 +140,15 @@ private:
     Answer DispatchIdentity(const Call& call);
 
     VstIntPtr AskHost(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0,
-                      void* pointer = nullptr, float number = 0);
+                      void* pointer = nullptr, float number = 0) {
+        return host_(&effect_, opcode, index, value, pointer, number);
+    }
 
-    AudioMasterCallback host_;
-    AEffect effect_ = {};
     float sampleRate_ = 44100;
     VstInt32 blockSize_ = 1024;
     std::unique_ptr<AEffEditor> editor_;
+    alignas(64) AEffect effect_ = {};
+    AudioMasterCallback host_;  // never null; last, since what blocks read follows
 };
 
 }  // namespace Vst2

@@ -24,7 +24,9 @@ constexpr std::chrono::milliseconds kPauseOfMoves{100};
 
 MAudioPluginVSTAdapter::MAudioPluginVSTAdapter(AudioMasterCallback host, VstInt32 uniqueID,
                                                std::shared_ptr<MAudioPlugin> plugin)
-    : AudioEffectX(host, 0, plugin->ParameterCount()), owned_(std::move(plugin)) {
+    : AudioEffectX(host, 0, plugin->ParameterCount()),
+      plugin_(plugin.get()),
+      owned_(std::move(plugin)) {
     isSetUp_ = Guard("MAudioPluginVSTAdapter::MAudioPluginVSTAdapter", false, [&] {
         SetUp(uniqueID);
         return true;
@@ -47,6 +49,7 @@ void MAudioPluginVSTAdapter::SetUp(VstInt32 uniqueID) {
     SetUpChannels();
     setUniqueID(uniqueID);
     setFlag(effFlagsCanReplacing, true);
+    setProcessReplacing(&ReplaceBlock);
     setFlag(effFlagsProgramChunks, true);
     setFlag(effFlagsIsSynth, plugin_->ReceivesMIDI() && plugin_->InputChannelCount() == 0);
     ReportLatency();

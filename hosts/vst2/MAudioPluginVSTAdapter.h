@@ -21,7 +21,7 @@ namespace Vst2 {
 /// The plug-in in a VST 2.4 host: forwards and guards, nothing else. Programs are not offered,
 /// since the plug-in has presets of its own. Nothing thrown leaves an operation; a failure is
 /// reported with the operation's name and the host gets a neutral answer.
-class MAudioPluginVSTAdapter : public AudioEffectX, public MAudioPluginAdapter {
+class MAudioPluginVSTAdapter final : public MAudioPluginAdapter, public AudioEffectX {
 public:
     class MEditor;
 
@@ -97,10 +97,21 @@ private:
     template <class Tell>
     void TellHost(std::atomic<bool>& waits, Tell&& tell);
 
-    void PerformProcessing(float** inputs, float** outputs, VstInt32 frames, bool replacing);
-    void PrepareProcessing();
+    static void ReplaceBlock(AEffect* effect, float** inputs, float** outputs, VstInt32 frames);
+    [[gnu::always_inline]] inline void PerformProcessing(float** inputs, float** outputs,
+                                                         VstInt32 frames, bool replacing);
+    [[gnu::always_inline]] inline void PrepareProcessing();
     [[gnu::cold]] void DeliverQueuedMIDIEvents();
     [[gnu::cold]] void SendQueuedMIDIEvents();
+
+    // What every block reads lies together, right behind the way to the host, for which
+    // AudioEffectX is the last base: the plug-in's own work has driven out of the processor's
+    // caches all that there was.
+    MAudioPlugin* const plugin_;
+    bool wantsHostTime_ = false;
+    std::atomic<bool> hasIncoming_{false};
+    std::atomic<bool> hasOutgoing_{false};
+    MVSTTransport transport_;
 
     MBusLayout created_;    // the widest that the host may ask for
     bool isSetUp_ = false;  // before that, hosts write parameters that they have not read yet
@@ -113,14 +124,6 @@ private:
     MVSTAccumulator accumulator_;
     MVSTMidiQueue incoming_{hasIncoming_};
     MVSTMidiQueue outgoing_{hasOutgoing_};
-
-    // What every block reads, in one line of the processor's cache: the plug-in's own work has
-    // driven out all that there was.
-    alignas(64) MAudioPlugin* const plugin_ = owned_.get();
-    bool wantsHostTime_ = false;
-    std::atomic<bool> hasIncoming_{false};
-    std::atomic<bool> hasOutgoing_{false};
-    MVSTTransport transport_;
 };
 
 /// Makes an instance for a host that has just called the library's entry; null when the host does

@@ -41,6 +41,13 @@ void MAudioPluginVSTAdapter::processReplacing(float** inputs, float** outputs, V
           [&] { PerformProcessing(inputs, outputs, frames, true); });
 }
 
+// One straight piece of code from the host to the plug-in and back. The plug-in has driven out of
+// the processor's caches what was there, so that small blocks pay for every call on the way.
+void MAudioPluginVSTAdapter::ReplaceBlock(AEffect* effect, float** inputs, float** outputs,
+                                          VstInt32 frames) {
+    static_cast<MAudioPluginVSTAdapter&>(Of(effect)).processReplacing(inputs, outputs, frames);
+}
+
 void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, VstInt32 frames,
                                                bool replacing) {
     if (frames <= 0 || outputs == nullptr) return;
@@ -57,12 +64,13 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
 }
 
 void MAudioPluginVSTAdapter::PrepareProcessing() {
-    if (!wantsHostTime_) {
+    if (!wantsHostTime_) [[unlikely]] {
         plugin_->Transport().isValid = true;
         return;
     }
     const VstTimeInfo* time = getTimeInfo(MVSTTransport::kFields);
-    if (time != nullptr) transport_.Update(*time, plugin_->Transport());
+    if (time != nullptr) [[likely]]
+        transport_.Update(*time, plugin_->Transport());
 }
 
 void MAudioPluginVSTAdapter::DeliverQueuedMIDIEvents() {

@@ -27,8 +27,8 @@ double OntoBeat(double barStart, int denominator) noexcept {
 }  // namespace
 
 void MVSTTransport::UpdatePosition(const VstTimeInfo& time, MTransport& transport) noexcept {
-    song_ = {};  // the next block may have another
-    TakePosition(time, transport);
+    song_ = kNoSong;  // the next block may have another
+    TakeFinite(time.ppqPos, transport.songPosition);
     if (time.tempo > 0) TakeFinite(time.tempo, transport.tempo);
     TakePositive(time.timeSigNumerator, transport.signatureNumerator);
     TakePositive(time.timeSigDenominator, transport.signatureDenominator);
@@ -42,6 +42,10 @@ void MVSTTransport::UpdateAll(const VstTimeInfo& time, MTransport& transport) no
                           std::isfinite(time.cycleEndPos) && std::isfinite(time.cycleStartPos);
     transport.cycleStart = hasCycle ? time.cycleStartPos : -1.0;
     transport.cycleEnd = hasCycle ? time.cycleEndPos : -1.0;
+
+    const double moved = transport.songPosition - lastPosition_;
+    const bool hasJumped = IsOn(time) && moved * moved > kLongestMove * kLongestMove;
+    SetPlaying(IsOn(time), hasJumped, transport);
 }
 
 }  // namespace Vst2

@@ -5,7 +5,10 @@
 #include "hosts/vst2/VstTypes.h"
 #include "plugin/MTransport.h"
 
-#include <limits>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
 
 namespace Vst2 {
 
@@ -25,17 +28,14 @@ public:
     /// Everything, at the start of a block. A move of more than two quarter notes while playing is
     /// a jump; the block that jumps leaves the playing state as it was. [audio]
     void Update(const VstTimeInfo& time, MTransport& transport) noexcept {
-        if (SongOf(time) != song_) UpdateAll(time, transport);
-        TakePosition(time, transport);
-        const bool isOn = (time.flags & kVstTransportPlaying) != 0;
-        const double moved = transport.songPosition - lastPosition_;
-        const bool hasJumped = isOn && moved * moved > kLongestMove * kLongestMove;
-        if (isOn) lastPosition_ = transport.songPosition;
-        const bool isPlaying = hasJumped ? transport.isPlaying : isOn;
-        transport.playStateChanged = isPlaying != transport.isPlaying;
-        transport.isPlaying = isPlaying;
-        transport.hasJumped = hasJumped;
-        transport.isValid = true;
+        const double moved = time.ppqPos - lastPosition_;
+        const bool goesOn = moved * moved <= kLongestMove * kLongestMove;  // hence is finite
+        if (!goesOn || !IsSameSong(time)) [[unlikely]] {
+            UpdateAll(time, transport);
+            return;
+        }
+        transport.songPosition = time.ppqPos;
+        SetPlaying(IsOn(time), false, transport);
     }
 
     /// Position, tempo, time signature and start of the bar alone. [audio]
@@ -44,31 +44,43 @@ public:
 private:
     static constexpr double kLongestMove = 2.0;  // quarter notes between blocks without a jump
 
-    /// What hardly ever changes while a song plays, as the host has it. Without a change nothing of
-    /// it is looked at: a block finds little of this code in the processor's caches, and what it
-    /// can do without it need not wait for.
-    struct Song {
-        double tempo = std::numeric_limits<double>::quiet_NaN();  // equals nothing
-        double barStart = 0;
-        double cycleStart = 0;
-        double cycleEnd = 0;
-        VstInt32 numerator = 0;
-        VstInt32 denominator = 0;
-
-        bool operator==(const Song&) const = default;
-    };
+    /// What hardly ever changes while a song plays, as the host has it, bit by bit: one comparison
+    /// tells that there is nothing to look at. A block finds little of this code in the processor's
+    /// caches, so every instruction that it can do without counts.
+    using Song = std::array<std::uint64_t, 5>;
+    static constexpr std::uint64_t kNaN = ~std::uint64_t{0};
+    /// None that a host could mean: nothing in it is a number, the signature is -1 / -1.
+    static constexpr Song kNoSong = {kNaN, kNaN, kNaN, kNaN, kNaN};
 
     static Song SongOf(const VstTimeInfo& time) noexcept {
-        return {time.tempo,       time.barStartPos,      time.cycleStartPos,
-                time.cycleEndPos, time.timeSigNumerator, time.timeSigDenominator};
+        return {std::bit_cast<std::uint64_t>(time.tempo),
+                std::bit_cast<std::uint64_t>(time.barStartPos),
+                std::bit_cast<std::uint64_t>(time.cycleStartPos),
+                std::bit_cast<std::uint64_t>(time.cycleEndPos),
+                std::bit_cast<std::uint64_t>(
+                    std::array{time.timeSigNumerator, time.timeSigDenominator})};
     }
-    static void TakePosition(const VstTimeInfo& time, MTransport& transport) noexcept {
-        if (time.ppqPos - time.ppqPos == 0) transport.songPosition = time.ppqPos;  // is finite
+    bool IsSameSong(const VstTimeInfo& time) const noexcept {
+        const Song song = SongOf(time);
+        std::uint64_t difference = 0;
+        for (std::size_t i = 0; i < song.size(); ++i) difference |= song[i] ^ song_[i];
+        return difference == 0;
+    }
+    static bool IsOn(const VstTimeInfo& time) noexcept {
+        return (time.flags & kVstTransportPlaying) != 0;
+    }
+    void SetPlaying(bool isOn, bool hasJumped, MTransport& transport) noexcept {
+        if (isOn) lastPosition_ = transport.songPosition;
+        const bool isPlaying = hasJumped ? transport.isPlaying : isOn;
+        transport.playStateChanged = isPlaying != transport.isPlaying;
+        transport.isPlaying = isPlaying;
+        transport.hasJumped = hasJumped;
+        transport.isValid = true;
     }
     [[gnu::cold]] void UpdateAll(const VstTimeInfo& time, MTransport& transport) noexcept;
 
     double lastPosition_ = 0;  // quarter notes, of the last block that played
-    Song song_;
+    Song song_ = kNoSong;
 };
 
 }  // namespace Vst2

@@ -36,7 +36,9 @@ TEST(MVSTTransport, TellsPlayingFromJumpingAndStopping) {
                 {12.1, kVstTransportPlaying, true, false, false},
                 {14.6, kVstTransportPlaying, true, true, false},
                 {14.7, 0, false, false, true},
-                {14.8, kVstTransportPlaying, true, false, true}};
+                {14.8, kVstTransportPlaying, true, false, true},
+                {30, 0, false, false, true},
+                {30.1, kVstTransportPlaying, false, true, false}};
     for (const auto& row : rows) {
         VstTimeInfo time = Playing(row.position);
         time.flags = row.flags;
