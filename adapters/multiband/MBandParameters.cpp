@@ -19,13 +19,9 @@ constexpr double kHighestLimit = 4.301029995663981;  // 20 kHz
 constexpr int kInputLevel = kMaxCrossoverBands;  // places among the levels
 constexpr int kOutputLevel = kInputLevel + 1;
 
-double InForce(const ParameterDefinition& record) noexcept {
-    return record.Nearest(record.Effective());
-}
-
 double EndOf(const ParameterDefinition& record, MForcedMix forced) noexcept {
     if (forced.full) return 1;
-    return forced.off ? 0 : InForce(record);
+    return forced.off ? 0 : record.InForce();
 }
 
 }  // namespace
@@ -71,7 +67,7 @@ void MBandParameters::AddStateRecords(MStateRecords& records) {
 
 MBandParameters::Limits MBandParameters::ReadLimits() const noexcept {
     Limits limits{};
-    for (int i = 0; i < kLimits; ++i) limits[i] = InForce(limits_[i]);
+    for (int i = 0; i < kLimits; ++i) limits[i] = limits_[i].InForce();
     return limits;
 }
 
@@ -80,7 +76,7 @@ void MBandParameters::FollowGains(int bandCount) noexcept {
     bool isAnyMoved = false;
     for (int i = 0; i < Amplitudes::kCount; ++i) {
         if (i >= bandCount && i < kMaxCrossoverBands) continue;
-        now[i] = InForce(*levels_[i]);
+        now[i] = levels_[i]->InForce();
         isAnyMoved = isAnyMoved || now[i] != amplitudes_.decibels[i];
     }
     if (!isAnyMoved) return;
@@ -107,6 +103,6 @@ void MBandParameters::ReadInto(MBandBlock& block, int bandCount, MForcedMix wet,
     for (int band = 0; band < kMaxCrossoverBands; ++band) {
         const bool runs = band < bandCount;
         block.bands[band].gain.to = runs ? amplitudes_.linear[band] : 1;
-        block.bands[band].panorama.to = runs ? InForce(panoramas_[band]) : 0;
+        block.bands[band].panorama.to = runs ? panoramas_[band].InForce() : 0;
     }
 }

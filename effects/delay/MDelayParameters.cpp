@@ -106,58 +106,64 @@ void MDelayParameters::DefineSync(int tap) {
     Sync(tap, SyncType).help = MDelayHelpTexts::kSyncType;
 }
 
-double MDelayParameters::Number(int index) const noexcept {
+// One short loop over all records, needed or not: a call for each takes longer, and a copy of the
+// rule for each drives other code of the block out of the processor's caches.
+MDelayParameters::Values MDelayParameters::ReadValues() const noexcept {
+    Values values;
+    for (std::size_t i = 0; i < values.size(); ++i) values[i] = records_[i].InForce();
+    return values;
+}
+
+MDelaySettings MDelayParameters::ReadForBlock() const noexcept { return SettingsOf(ReadValues()); }
+
+MDelaySettings MDelayParameters::ReadForUpdate() const noexcept {
+    const Values values = ReadValues();
+    MDelaySettings settings = SettingsOf(values);
+    settings.filtersFeedback = values[kFilterMode] > 0;
+    settings.minFrequency = std::pow(10.0, values[kMinFrequency]);
+    settings.maxFrequency = std::pow(10.0, values[kMaxFrequency]);
+    settings.resonance = values[kResonance];
+    return settings;
+}
+
+MDelaySettings MDelayParameters::SettingsOf(const Values& values) const noexcept {
+    MDelaySettings settings;
+    settings.isSerial = values[kDelayMode] > 0;
+    settings.saturation = values[kSaturation];
+    for (int tap = 0; tap < kDelayTaps; ++tap) settings.taps[tap] = TapOf(values, tap);
+    return settings;
+}
+
+MDelayTapSettings MDelayParameters::TapOf(const Values& values, int tap) const noexcept {
+    MDelayTapSettings settings;
+    settings.isEnabled = values[OfTap(tap, Panel)] > 0;
+    settings.feedback = RampTo(values, OfTap(tap, Feedback));
+    settings.gain = RampTo(values, OfTap(tap, Gain));
+    settings.panorama = RampTo(values, OfTap(tap, Panorama));
+    settings.delay = values[OfTap(tap, Delay)];
+    settings.leftOffset = values[OfTap(tap, LeftOffset)];
+    settings.rightOffset = values[OfTap(tap, RightOffset)];
+    // A modulator moves its target in every piece of a block: a movement, not so many changes.
+    settings.retime = Retime(OfTap(tap, Delay));
+    settings.reoffset = std::max(Retime(OfTap(tap, LeftOffset)), Retime(OfTap(tap, RightOffset)));
+    settings.mode = static_cast<MDelayMode>(static_cast<int>(values[OfTap(tap, Mode)]));
+    settings.isFrozen = values[OfTap(tap, Freeze)] > 0;
+    settings.isSynchronised = values[OfSync(tap, SyncPanel)] > 0;
+    settings.syncLength = static_cast<int>(values[OfSync(tap, SyncLength)]);
+    settings.syncType =
+        static_cast<MTempoSync::Type>(static_cast<int>(values[OfSync(tap, SyncType)]));
+    return settings;
+}
+
+MBlockRamp MDelayParameters::RampTo(const Values& values, int index) const noexcept {
     const ParameterDefinition& record = records_[static_cast<std::size_t>(index)];
-    return record.Nearest(record.Effective());
+    // Taken from a value that may have been written from outside the range, or be no number at all.
+    return {record.Nearest(record.previous), values[static_cast<std::size_t>(index)]};
 }
 
 MRetime MDelayParameters::Retime(int index) const noexcept {
     return records_[static_cast<std::size_t>(index)].IsRedirected() ? MRetime::Movement
                                                                     : MRetime::Anew;
-}
-
-MBlockRamp MDelayParameters::Ramp(int index) const noexcept {
-    const ParameterDefinition& record = records_[static_cast<std::size_t>(index)];
-    // Taken from a value that may have been written from outside the range, or be no number at all.
-    return {record.Nearest(record.previous), Number(index)};
-}
-
-MDelaySettings MDelayParameters::ReadForUpdate() const noexcept {
-    MDelaySettings settings = ReadForBlock();
-    settings.filtersFeedback = Number(kFilterMode) > 0;
-    settings.minFrequency = std::pow(10.0, Number(kMinFrequency));
-    settings.maxFrequency = std::pow(10.0, Number(kMaxFrequency));
-    settings.resonance = Number(kResonance);
-    return settings;
-}
-
-MDelaySettings MDelayParameters::ReadForBlock() const noexcept {
-    MDelaySettings settings;
-    settings.isSerial = Number(kDelayMode) > 0;
-    settings.saturation = Number(kSaturation);
-    for (int tap = 0; tap < kDelayTaps; ++tap) settings.taps[tap] = ReadTap(tap);
-    return settings;
-}
-
-MDelayTapSettings MDelayParameters::ReadTap(int tap) const noexcept {
-    MDelayTapSettings settings;
-    settings.isEnabled = Number(OfTap(tap, Panel)) > 0;
-    settings.feedback = Ramp(OfTap(tap, Feedback));
-    settings.gain = Ramp(OfTap(tap, Gain));
-    settings.panorama = Ramp(OfTap(tap, Panorama));
-    settings.delay = Number(OfTap(tap, Delay));
-    settings.leftOffset = Number(OfTap(tap, LeftOffset));
-    settings.rightOffset = Number(OfTap(tap, RightOffset));
-    // A modulator moves its target in every piece of a block: a movement, not so many changes.
-    settings.retime = Retime(OfTap(tap, Delay));
-    settings.reoffset = std::max(Retime(OfTap(tap, LeftOffset)), Retime(OfTap(tap, RightOffset)));
-    settings.mode = static_cast<MDelayMode>(static_cast<int>(Number(OfTap(tap, Mode))));
-    settings.isFrozen = Number(OfTap(tap, Freeze)) > 0;
-    settings.isSynchronised = Number(OfSync(tap, SyncPanel)) > 0;
-    settings.syncLength = static_cast<int>(Number(OfSync(tap, SyncLength)));
-    settings.syncType =
-        static_cast<MTempoSync::Type>(static_cast<int>(Number(OfSync(tap, SyncType))));
-    return settings;
 }
 
 void MDelayParameters::KeepRampEnds(const MDelaySettings& settings) noexcept {

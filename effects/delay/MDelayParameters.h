@@ -56,12 +56,15 @@ public:
     bool UpdateEnabled() noexcept;
 
 private:
+    using Values = std::array<double, MDelayIndex::kCount>;  // in the order of the records
+
     void DefineGlobals();
     void DefineTap(int tap);
     void DefineSync(int tap);
-    MDelayTapSettings ReadTap(int tap) const noexcept;
-    double Number(int index) const noexcept;
-    MBlockRamp Ramp(int index) const noexcept;
+    Values ReadValues() const noexcept;
+    MDelaySettings SettingsOf(const Values& values) const noexcept;
+    MDelayTapSettings TapOf(const Values& values, int tap) const noexcept;
+    MBlockRamp RampTo(const Values& values, int index) const noexcept;
     MRetime Retime(int index) const noexcept;
     ParameterDefinition& Tap(int tap, MDelayIndex::Tap record) noexcept {
         return (*this)[MDelayIndex::OfTap(tap, record)];

@@ -131,8 +131,6 @@ void ParameterDefinition::DefineGroup(std::string newKey, std::string newName, b
     Define(ParameterKind::Group, std::move(newKey), std::move(newName), 0, 1, defaultOn ? 1 : 0);
 }
 
-double ParameterDefinition::Value() const noexcept { return MRelaxed::Load(value); }
-
 // What was written while redirected waits until the modulator makes it the own value.
 double ParameterDefinition::Knob() const noexcept {
     const double last = MRelaxed::Load(written);
@@ -183,20 +181,9 @@ void ParameterDefinition::SetSecondary(double newValue) noexcept {
     MRelaxed::Store(secondary, newValue);
 }
 
-double ParameterDefinition::Effective() const noexcept {
-    return IsRedirected() ? MRelaxed::Load(secondary) : Value();
-}
-
 int ParameterDefinition::Index() const noexcept { return NearestChoice(Effective(), maximum); }
 
 bool ParameterDefinition::IsOn() const noexcept { return Effective() >= 0.5; }
-
-std::uint8_t ParameterDefinition::Flags() const noexcept {
-    auto& shared = const_cast<std::uint8_t&>(flags);  // atomic references take no constant objects
-    return std::atomic_ref(shared).load(std::memory_order_acquire);
-}
-
-bool ParameterDefinition::IsRedirected() const noexcept { return (Flags() & kRedirect) != 0; }
 
 void ParameterDefinition::SetRedirect(bool on) noexcept {
     SetSecondary(Value());
@@ -249,12 +236,6 @@ double ParameterDefinition::FromNormalised(double x) const noexcept {
             break;
     }
     return minimum + range * CurveFromPosition(curve, x);
-}
-
-double ParameterDefinition::Nearest(double plain) const noexcept {
-    if (std::isnan(plain)) return defaultValue;
-    const double inside = std::clamp(plain, minimum, maximum);
-    return kind == ParameterKind::Float ? inside : std::floor(inside + 0.5);
 }
 
 std::string ParameterDefinition::DisplayText(double plain) const {

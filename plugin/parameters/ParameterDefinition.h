@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "core/MRelaxed.h"
+
+#include <atomic>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -97,7 +101,7 @@ struct ParameterDefinition {
     void DefineGroup(std::string key, std::string name, bool defaultOn);
 
     /// The record's own value. [any]
-    double Value() const noexcept;
+    double Value() const noexcept { return MRelaxed::Load(value); }
     /// The value that the knob has: the own one or, while redirected, what was written since the
     /// modulator has looked last. [any]
     double Knob() const noexcept;
@@ -118,14 +122,22 @@ struct ParameterDefinition {
     /// Stores the modulated value as it is. [any]
     void SetSecondary(double newValue) noexcept;
     /// The value in force: the modulated one while redirected, the own one otherwise. [any]
-    double Effective() const noexcept;
+    double Effective() const noexcept {
+        return IsRedirected() ? MRelaxed::Load(secondary) : Value();
+    }
+    /// The value in force, made one that the record can have, whatever was written. Blocks read
+    /// many records by this. [any]
+    double InForce() const noexcept { return Nearest(Effective()); }
     /// The value in force as a choice, clamped to the list. [any]
     int Index() const noexcept;
     /// The value in force as a switch. [any]
     bool IsOn() const noexcept;
     /// The flags as they are at present. [any]
-    std::uint8_t Flags() const noexcept;
-    bool IsRedirected() const noexcept;
+    std::uint8_t Flags() const noexcept {
+        auto& shared = const_cast<std::uint8_t&>(flags);  // the reference takes no constant objects
+        return std::atomic_ref(shared).load(std::memory_order_acquire);
+    }
+    bool IsRedirected() const noexcept { return (Flags() & kRedirect) != 0; }
     /// Starts or ends redirection; the secondary value starts at the value. At the end, TakeKnob
     /// has what was written to the last. [any]
     void SetRedirect(bool on) noexcept;
@@ -139,7 +151,13 @@ struct ParameterDefinition {
 
     /// The value of the record nearest to `plain`: within the range, whole where the kind is whole,
     /// the default for what is no number. [any]
-    double Nearest(double plain) const noexcept;
+    double Nearest(double plain) const noexcept {
+        if (std::isnan(plain)) return defaultValue;
+        // By value, as the processor's own minimum and maximum: std::clamp would go over memory.
+        const double raised = minimum > plain ? minimum : plain;
+        const double inside = maximum < raised ? maximum : raised;
+        return kind == ParameterKind::Float ? inside : std::floor(inside + 0.5);
+    }
 
     /// What the user sees for `plain`, a value in the record's own units. [main]
     std::string DisplayText(double plain) const;
