@@ -10,8 +10,8 @@
 namespace {
 
 constexpr int kMostBands = 4;
-constexpr double kLowestLimit = 2.0;   // log10 of hertz: 100 Hz
-constexpr double kHighestLimit = 3.9;  // 7.9 kHz
+constexpr double kLowestDraw = 2.0;   // log10 of hertz: 100 Hz
+constexpr double kHighestDraw = 3.9;  // 7.9 kHz
 /// Bands of less than an octave are no bands to listen to.
 constexpr double kLeastDistance = 0.301;
 
@@ -50,9 +50,9 @@ MBandLayoutRecord DrawBands(MRandom& random) {
     bands.bandCount = std::min(kMostBands, 1 + static_cast<int>(random.Next() * kMostBands));
     const int limits = bands.bandCount - 1;
     // Spread over the room that the distances leave, then the distances put back.
-    const double room = kHighestLimit - kLowestLimit - kLeastDistance * std::max(0, limits - 1);
-    bands.limits.fill(kHighestLimit);
-    for (int i = 0; i < limits; ++i) bands.limits[i] = kLowestLimit + room * random.Next();
+    const double room = kHighestDraw - kLowestDraw - kLeastDistance * std::max(0, limits - 1);
+    bands.limits.fill(kHighestDraw);
+    for (int i = 0; i < limits; ++i) bands.limits[i] = kLowestDraw + room * random.Next();
     std::sort(bands.limits.begin(), bands.limits.end());
     for (int i = 0; i < limits; ++i) bands.limits[i] += kLeastDistance * i;
     return bands;
