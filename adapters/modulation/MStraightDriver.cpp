@@ -20,7 +20,6 @@ void MStraightDriver::Begin(const MStraightTargets& targets) noexcept {
         const MStraightTargets::Target& target = targets.Targets()[i];
         target.record->SetRedirect(true);
         const double knob = MRelaxed::Load(target.record->secondary);
-        written_[i] = knob;
         knobs_[i] = knob;
         feet_[i] = target.Foot(knob);
     }

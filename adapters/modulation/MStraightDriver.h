@@ -26,7 +26,7 @@ private:
     void TakeKnob(const MStraightTargets::Target& target, std::size_t index) noexcept;
 
     const MControlKernels& kernels_ = *Kernels().controls;
-    alignas(64) Numbers written_{};  // their secondary values, as last written
+    alignas(64) Numbers written_{};  // what Drive makes their secondary values
     Numbers knobs_{};                // their own values, as last seen
     Numbers feet_{};
     Sources sources_{};
