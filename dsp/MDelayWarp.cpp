@@ -4,9 +4,6 @@
 #include "dsp/kernels/MKernelSet.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstddef>
-#include <utility>
 
 namespace {
 
@@ -17,50 +14,63 @@ double Steps(int length) noexcept { return static_cast<double>(length - 1); }
 
 }  // namespace
 
-void MDelayWarp::Reserve(int capacity) {
-    const int needed = std::max(capacity / kSamplesPerPiece, kLeastRoom);
-    if (needed <= room_) return;
-    const auto room = std::bit_ceil(static_cast<unsigned>(needed));
-    auto pieces = std::make_unique_for_overwrite<Piece[]>(room);
-    for (int i = 0; i < count_; ++i) pieces[static_cast<std::size_t>(i)] = At(i);
-    pieces_ = std::move(pieces);
-    room_ = static_cast<int>(room);
-    head_ = 0;
+void MDelayWarp::Reserve(int length) {
+    tape_.Reserve(length);
+    pieces_.Reserve(std::clamp(length / kSamplesPerPiece, kLeastRoom, 2 * kFinest));
 }
 
-void MDelayWarp::Begin(int length, int ringSize) noexcept {
-    head_ = 0;
-    count_ = 1;
-    At(0) = {.count = length, .length = length};
-    ringSize_ = ringSize;
-    length_ = length;
+void MDelayWarp::Begin(MDelayCircle& circle) noexcept {
+    length_ = circle.length;
+    pieces_.Clear();
+    pieces_.Push({.count = length_, .length = length_});
+    tape_.Begin(circle);
     sinceChange_ = ahead_ = 0;
-    written_ = length;
     base_ = 0;
     span_ = steps_ = 0;
     offset_ = 0;
     rate_ = 1;
 }
 
+void MDelayWarp::End() noexcept {
+    if (IsActive()) tape_.End();
+    pieces_.Clear();
+}
+
+void MDelayWarp::Free() noexcept {
+    tape_.Free();
+    pieces_ = {};
+}
+
+bool MDelayWarp::EndAs(MDelayCircle& circle) noexcept {
+    if (!IsStraight() || !tape_.BeginsChunk(base_)) return false;
+    tape_.EndAs(circle, length_);
+    pieces_.Clear();
+    return true;
+}
+
 bool MDelayWarp::MayFollow() const noexcept {
-    return IsActive() && sinceChange_ < kMovement && count_ < room_;
+    return IsActive() && sinceChange_ < kMovement && pieces_.Size() < pieces_.Room();
+}
+
+bool MDelayWarp::IsTooSoon() const noexcept {
+    const int count = pieces_.Back().count;
+    return count > 0 && (count < length_ / kFinest || pieces_.Size() == pieces_.Room());
 }
 
 void MDelayWarp::Change(int length) noexcept {
     Anchor();
     if (IsStraight()) span_ = length_ - 1;
-    if (Newest().count == 0) {
-        Newest().length = length;
+    if (pieces_.Back().count == 0) {
+        pieces_.Back().length = length;
     } else {
-        ++count_;
-        Newest() = {.count = 0, .length = length};
+        pieces_.Push({.count = 0, .length = length});
     }
     length_ = length;
     sinceChange_ = 0;
     SetRate();
 }
 
-void MDelayWarp::SetRate() noexcept { rate_ = Steps(At(0).length) / Steps(length_); }
+void MDelayWarp::SetRate() noexcept { rate_ = Steps(pieces_[0].length) / Steps(length_); }
 
 void MDelayWarp::Anchor() noexcept {
     EnterPiece();
@@ -72,30 +82,29 @@ void MDelayWarp::Anchor() noexcept {
     steps_ = 0;
 }
 
-/// The sample at or before the place that is read next; never beyond the piece.
-std::int64_t MDelayWarp::Oldest() const noexcept {
-    return IsStraight() ? base_ : base_ + std::min(static_cast<int>(Place(0)), span_);
+float MDelayWarp::Newest() const noexcept {
+    const MDelayTape::Run run = tape_.At(tape_.Written() - 1);
+    return run.samples != nullptr ? *run.samples : run.fill;
 }
 
-int MDelayWarp::Stored() const noexcept {
-    return static_cast<int>(std::min<std::int64_t>(written_ - Oldest(), ringSize_));
+/// The first sample on the tape that is still needed; never beyond the piece.
+std::int64_t MDelayWarp::Oldest() const noexcept {
+    return IsStraight() ? base_ : base_ + std::min(static_cast<int>(Place(0)), span_);
 }
 
 /// Moves on to the piece that the next sample is read from.
 void MDelayWarp::EnterPiece() noexcept {
     while (!IsStraight() && Place(0) >= span_) {
         const double beyond = Place(0) - span_;
-        const double before = Steps(At(0).length);
+        const double before = Steps(pieces_.Pop().length);
         base_ += span_;
-        head_ = (head_ + 1) & (room_ - 1);
-        --count_;
-        span_ = At(0).count;
+        span_ = pieces_[0].count;
         steps_ = 0;
-        offset_ = beyond * Steps(At(0).length) / before;
+        offset_ = beyond * Steps(pieces_[0].length) / before;
         SetRate();
         if (IsStraight()) {
             // A whole number of samples; said exactly, so that roundings end here.
-            base_ = written_ - length_ + ahead_;
+            base_ = tape_.Written() - length_ + ahead_;
             offset_ = 0;
         }
     }
@@ -111,53 +120,55 @@ int MDelayWarp::StepsBelow(int place, int most) const noexcept {
     return steps;
 }
 
-void MDelayWarp::Read(const float* ring, float* out, int count) noexcept {
+void MDelayWarp::Read(float* out, int count) noexcept {
     while (count > 0) {
         EnterPiece();
-        const int run = IsStraight() ? Copy(ring, out, count) : Stretch(ring, out, count);
+        const int run = IsStraight() ? Copy(out, count) : Stretch(out, count);
         out += run;
         count -= run;
         ahead_ += run;
     }
 }
 
-int MDelayWarp::Copy(const float* ring, float* out, int most) noexcept {
-    const int first = InRing(base_);
-    const int run = std::min(most, ringSize_ - first);
-    std::copy_n(ring + first, run, out);
-    base_ += run;
-    return run;
-}
-
-int MDelayWarp::Stretch(const float* ring, float* out, int most) noexcept {
-    const int whole = static_cast<int>(Place(0));
-    const int first = InRing(base_ + whole);
-    const int lastOfRing = whole + ringSize_ - 1 - first;
-    const MStretch stretch = {.offset = offset_, .rate = rate_, .step = steps_, .skipped = whole};
-    int run = StepsBelow(std::min(span_, lastOfRing), most);
-    if (run > 0) {
-        Kernels().delay->stretch(stretch, ring + first, out, run);
+int MDelayWarp::Copy(float* out, int most) noexcept {
+    const MDelayTape::Run run = tape_.At(base_);
+    const auto count = static_cast<int>(std::min<std::int64_t>(most, run.count));
+    if (run.samples != nullptr) {
+        std::copy_n(run.samples, count, out);
     } else {
-        const float pair[] = {ring[first], ring[0]};
-        Kernels().delay->stretch(stretch, pair, out, run = 1);
+        std::fill_n(out, count, run.fill);
     }
-    steps_ += run;
-    return run;
+    base_ += count;
+    return count;
 }
 
-void MDelayWarp::Write(float* ring, const float* in, int count) noexcept {
-    const int first = InRing(written_);
-    const int run = std::min(count, ringSize_ - first);
-    std::copy_n(in, run, ring + first);
-    std::copy_n(in + run, count - run, ring);
-    written_ += count;
-    Newest().count += count;
+int MDelayWarp::Stretch(float* out, int most) noexcept {
+    const int whole = static_cast<int>(Place(0));
+    const MDelayTape::Run run = tape_.At(base_ + whole);
+    const MStretch stretch = {.offset = offset_, .rate = rate_, .step = steps_, .skipped = whole};
+    const auto last = static_cast<int>(std::min<std::int64_t>(span_, whole + run.count - 1));
+    int count = StepsBelow(last, most);
+    if (count == 0) {
+        // Between this run and the next.
+        const MDelayTape::Run next = tape_.At(base_ + whole + 1);
+        const float pair[] = {run.samples != nullptr ? *run.samples : run.fill,
+                              next.samples != nullptr ? *next.samples : next.fill};
+        Kernels().delay->stretch(stretch, pair, out, count = 1);
+    } else if (run.samples != nullptr) {
+        Kernels().delay->stretch(stretch, run.samples, out, count);
+    } else {
+        std::fill_n(out, count, run.fill);
+    }
+    steps_ += count;
+    return count;
+}
+
+void MDelayWarp::Write(const float* in, int count) {
+    // Roundings may lead back across the border between two pieces.
+    constexpr int kMargin = 2;
+    tape_.DropBefore(Oldest() - kMargin);
+    tape_.Append(in, count);
+    pieces_.Back().count += count;
     sinceChange_ += count;
     ahead_ = 0;
-}
-
-void MDelayWarp::MoveTo(int ringSize) noexcept {
-    written_ -= base_;
-    base_ = 0;
-    ringSize_ = ringSize;
 }

@@ -33,7 +33,7 @@ int Moved(int piece, double depth) {
 /// A line that stretches its samples at once, one after the other.
 class PlainLine {
 public:
-    void Resize(int length, MGrowingBuffer<float>&, MRetime) {
+    void Resize(int length, MGrowingBuffer<float>&) {
         if (length == static_cast<int>(samples_.size())) return;
         std::rotate(samples_.begin(), samples_.begin() + static_cast<std::ptrdiff_t>(position_),
                     samples_.end());
@@ -70,7 +70,7 @@ void Retime(benchmark::State& state, double depth) {
     int piece = 0;
     const auto run = [&] {
         for (int line = 0; line < kLines; ++line) {
-            lines[line].Resize(Moved(piece, depth), scratch, MRetime::Movement);
+            lines[line].Resize(Moved(piece, depth), scratch);
             lines[line].Exchange(samples[0].data(), samples[1].data(), kFrames);
         }
         benchmark::ClobberMemory();

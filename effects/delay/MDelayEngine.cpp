@@ -11,6 +11,10 @@ void MDelayEngine::Prepare(int channels, int sampleRate) {
     // First what may fail for want of memory, so that a failure leaves everything as it was.
     for (int channel = 0; channel < channels; ++channel) inputScratch_[channel].Get(kReservedBlock);
     freezeScratch_.Get(kReservedBlock * channels);
+    // Another rate asks for other memory; at the same one, lines keep what they have had.
+    if (sampleRate != sampleRate_) {
+        for (MDelayTap& tap : taps_) tap.Free();
+    }
     channels_ = channels;
     sampleRate_ = sampleRate;
     inputStates_ = {};
@@ -24,6 +28,32 @@ void MDelayEngine::Update(const MDelaySettings& settings) {
         taps_[tap].Update(settings.taps[tap], sampleRate_, lineScratch_);
     }
     filters_.Design(settings, sampleRate_);
+}
+
+MDelayEngine::Needs MDelayEngine::NeedsOf(const MDelaySettings& settings) const noexcept {
+    Needs needs = {.channels = channels_, .sampleRate = sampleRate_};
+    for (int tap = 0; tap < kDelayTaps && channels_ > 0; ++tap) {
+        needs.taps[tap] = settings.taps[tap].isEnabled && !taps_[tap].HasLines();
+    }
+    return needs;
+}
+
+MDelayEngine::Spare MDelayEngine::MakeSpare(const MDelaySettings& settings, const Needs& needs) {
+    Spare spare;
+    spare.needs = needs;
+    for (int tap = 0; tap < kDelayTaps; ++tap) {
+        if (!needs.taps[tap]) continue;
+        spare.lines[tap] =
+            MDelayTap::MakeLines(settings.taps[tap], needs.channels, needs.sampleRate);
+    }
+    return spare;
+}
+
+void MDelayEngine::Adopt(Spare& spare) noexcept {
+    if (spare.needs.channels != channels_ || spare.needs.sampleRate != sampleRate_) return;
+    for (int tap = 0; tap < kDelayTaps; ++tap) {
+        if (spare.lines[tap]) taps_[tap].Adopt(spare.lines[tap]);
+    }
 }
 
 bool MDelayEngine::IsTailSilent() const noexcept {

@@ -9,6 +9,8 @@
 #include "effects/delay/MDelaySettings.h"
 #include "effects/delay/MDelayTap.h"
 
+#include <memory>
+
 /// Nothing in a loop gets louder than this: far above any sound (+180 dB), far enough below the
 /// largest float that its square, and the square of that, are still finite numbers for whoever
 /// reads them.
@@ -26,8 +28,26 @@ public:
     void Prepare(int channels, int sampleRate);
 
     /// Follows the settings that cost more than reading them: switches, lengths, filters. Does
-    /// nothing before the first Prepare. Allocates when a tap is switched on. [audio]
+    /// nothing before the first Prepare. Allocates when a tap is switched on
+    /// that has had no memory yet. [audio]
     void Update(const MDelaySettings& settings);
+
+    /// The lines that settings ask for and that are not there yet.
+    struct Needs {
+        int channels = 0;
+        int sampleRate = 0;  // hertz
+        bool taps[kDelayTaps] = {};
+    };
+    /// Lines that were made apart from the engine, so that its Update need not.
+    struct Spare {
+        Needs needs;
+        std::unique_ptr<MDelayTapLines> lines[kDelayTaps];
+    };
+    Needs NeedsOf(const MDelaySettings& settings) const noexcept;
+    /// Makes the lines for `needs`. Takes microseconds, as their memory is not touched. [any]
+    static Spare MakeSpare(const MDelaySettings& settings, const Needs& needs);
+    /// Takes the lines that still fit and leaves the others. [audio]
+    void Adopt(Spare& spare) noexcept;
 
     /// One block of the prepared channels: `inputs` and `outputs` are [channels][count] and may
     /// overlap each other. The outputs get the echoes alone. `tempo` in quarter notes per minute.
@@ -66,5 +86,5 @@ private:
     MDelayFreeze freeze_;
     MGrowingBuffer<float> inputScratch_[kDelayMaxChannels];
     MGrowingBuffer<float> freezeScratch_;  // positions, channel after channel
-    MGrowingBuffer<float> lineScratch_;    // the history of a line that is being stretched
+    MGrowingBuffer<float> lineScratch_;    // the history of a line that is being settled
 };

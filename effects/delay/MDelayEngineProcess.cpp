@@ -23,7 +23,7 @@ void MDelayEngine::Process(const MDelaySettings& settings, double tempo, const f
     for (int index = 0; index < kDelayTaps; ++index) {
         MDelayTap& tap = taps_[index];
         if (!tap.IsEnabled()) continue;
-        tap.FollowTempo(settings.taps[index], sampleRate_, tempo, lineScratch_);
+        tap.BeginBlock(settings.taps[index], sampleRate_, tempo, lineScratch_);
         const bool readsOutputs = settings.isSerial && hasPredecessor;
         ProcessTap(tap, settings.taps[index],
                    {.saturation = isSaturated ? &saturation : nullptr,

@@ -143,9 +143,6 @@ MDelayTapSettings MDelayParameters::TapOf(const Values& values, int tap) const n
     settings.delay = values[OfTap(tap, Delay)];
     settings.leftOffset = values[OfTap(tap, LeftOffset)];
     settings.rightOffset = values[OfTap(tap, RightOffset)];
-    // A modulator moves its target in every piece of a block: a movement, not so many changes.
-    settings.retime = Retime(OfTap(tap, Delay));
-    settings.reoffset = std::max(Retime(OfTap(tap, LeftOffset)), Retime(OfTap(tap, RightOffset)));
     settings.mode = static_cast<MDelayMode>(static_cast<int>(values[OfTap(tap, Mode)]));
     settings.isFrozen = values[OfTap(tap, Freeze)] > 0;
     settings.isSynchronised = values[OfSync(tap, SyncPanel)] > 0;
@@ -159,11 +156,6 @@ MBlockRamp MDelayParameters::RampTo(const Values& values, int index) const noexc
     const ParameterDefinition& record = records_[static_cast<std::size_t>(index)];
     // Taken from a value that may have been written from outside the range, or be no number at all.
     return {record.Nearest(record.previous), values[static_cast<std::size_t>(index)]};
-}
-
-MRetime MDelayParameters::Retime(int index) const noexcept {
-    return records_[static_cast<std::size_t>(index)].IsRedirected() ? MRetime::Movement
-                                                                    : MRetime::Anew;
 }
 
 void MDelayParameters::KeepRampEnds(const MDelaySettings& settings) noexcept {

@@ -65,7 +65,6 @@ private:
     MDelaySettings SettingsOf(const Values& values) const noexcept;
     MDelayTapSettings TapOf(const Values& values, int tap) const noexcept;
     MBlockRamp RampTo(const Values& values, int index) const noexcept;
-    MRetime Retime(int index) const noexcept;
     ParameterDefinition& Tap(int tap, MDelayIndex::Tap record) noexcept {
         return (*this)[MDelayIndex::OfTap(tap, record)];
     }

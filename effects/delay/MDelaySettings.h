@@ -2,7 +2,6 @@
 #pragma once
 
 #include "dsp/MBlockRamp.h"
-#include "dsp/MDelayLine.h"
 #include "plugin/MTempoSync.h"
 
 inline constexpr int kDelayTaps = 2;
@@ -19,14 +18,12 @@ enum class MDelayMode {
 /// One tap's settings as one block needs them.
 struct MDelayTapSettings {
     bool isEnabled = false;
-    MBlockRamp feedback{0, 0};         ///< square root of the amplitude
-    MBlockRamp gain{0, 0};             ///< square root of the amplitude
-    MBlockRamp panorama{0, 0};         ///< -1 left to 1 right
-    double delay = 0;                  ///< seconds
-    double leftOffset = 0;             ///< seconds; negative delays the other side
-    double rightOffset = 0;            ///< seconds; negative delays the other side
-    MRetime retime = MRetime::Anew;    ///< how the line follows the delay
-    MRetime reoffset = MRetime::Anew;  ///< how the predelays follow the offsets
+    MBlockRamp feedback{0, 0};  ///< square root of the amplitude
+    MBlockRamp gain{0, 0};      ///< square root of the amplitude
+    MBlockRamp panorama{0, 0};  ///< -1 left to 1 right
+    double delay = 0;           ///< seconds
+    double leftOffset = 0;      ///< seconds; negative delays the other side
+    double rightOffset = 0;     ///< seconds; negative delays the other side
     MDelayMode mode = MDelayMode::Classic;
     bool isFrozen = false;
     bool isSynchronised = false;

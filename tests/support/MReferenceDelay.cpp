@@ -85,7 +85,10 @@ void MReferenceDelay::Update(const MDelaySettings& settings) {
         const MDelayTapSettings& s = settings.taps[tap];
         isEnabled_[tap] = s.isEnabled;
         if (!s.isEnabled) {
-            for (Channel& channel : taps_[tap]) channel.line = channel.predelay = {};
+            for (Channel& channel : taps_[tap]) {
+                channel.line = channel.predelay = {};
+                channel.low = channel.high = {};
+            }
             continue;
         }
         if (!s.isSynchronised) SetLengths(taps_[tap], s, 0);
@@ -101,8 +104,9 @@ void MReferenceDelay::Update(const MDelaySettings& settings) {
 void MReferenceDelay::SetLengths(Tap& tap, const MDelayTapSettings& settings, double tempo) {
     int length = static_cast<int>(sampleRate_ * settings.delay);
     if (settings.isSynchronised) {
+        const double held = tempo > 0 ? std::clamp(tempo, 20.0, 999.0) : tempo;
         const int half =
-            MTempoSync::PeriodSamples(settings.syncLength, settings.syncType, tempo, sampleRate_) /
+            MTempoSync::PeriodSamples(settings.syncLength, settings.syncType, held, sampleRate_) /
             2;
         if (half > 0) length = half;
     }

@@ -175,7 +175,7 @@ TEST(MDelayRobustness, AllocatesNothingWhileItRuns) {
 
 TEST(MDelayRobustness, SurvivesAnyAllocationThatFails) {
     const Reports reports;
-    for (int allowed = 0; allowed < 60; ++allowed) {
+    for (int allowed = 0; allowed < 300; ++allowed) {
         DelayEntry delay;
         Sound sound = Noise(8, 5000);
         const std::vector<float*> pointers = PointersTo(sound);
