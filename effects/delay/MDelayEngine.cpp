@@ -27,7 +27,10 @@ void MDelayEngine::Update(const MDelaySettings& settings) {
     for (int tap = 0; tap < kDelayTaps; ++tap) {
         taps_[tap].Update(settings.taps[tap], sampleRate_, lineScratch_);
     }
+    const MActiveSections input = filters_.InInput(), feedback = filters_.InFeedback();
     filters_.Design(settings, sampleRate_);
+    inputStates_.Wake(input, filters_.InInput());
+    for (MDelayTap& tap : taps_) tap.FilterStates().Wake(feedback, filters_.InFeedback());
 }
 
 MDelayEngine::Needs MDelayEngine::NeedsOf(const MDelaySettings& settings) const noexcept {

@@ -17,18 +17,23 @@ void DesignIfNew(MBiquad& section, BiquadType type, double frequency, double q, 
 
 }  // namespace
 
+void MDelayFilterStates::Wake(MActiveSections before, MActiveSections now) noexcept {
+    if (now.lowPass && !before.lowPass) std::fill_n(lowPass, kDelayMaxChannels, MBiquadState());
+    if (now.highPass && !before.highPass) std::fill_n(highPass, kDelayMaxChannels, MBiquadState());
+}
+
 void MDelayFilters::Design(const MDelaySettings& settings, int sampleRate) {
-    isLowPassActive_ = std::abs(settings.maxFrequency - kHighest) >= kSwitchWidth;
-    isHighPassActive_ = std::abs(kLowest - settings.minFrequency) >= kSwitchWidth;
+    active_.lowPass = std::abs(settings.maxFrequency - kHighest) >= kSwitchWidth;
+    active_.highPass = std::abs(kLowest - settings.minFrequency) >= kSwitchWidth;
     filtersFeedback_ = settings.filtersFeedback;
 
     const double q = static_cast<double>(static_cast<float>(0.1 + 0.8 * settings.resonance));
     const double highest = 0.49 * sampleRate;
-    if (isLowPassActive_) {
+    if (active_.lowPass) {
         DesignIfNew(lowPass_, BiquadType::LowPass, std::min(settings.maxFrequency, highest), q,
                     sampleRate);
     }
-    if (isHighPassActive_) {
+    if (active_.highPass) {
         DesignIfNew(highPass_, BiquadType::HighPass, std::min(settings.minFrequency, highest), q,
                     sampleRate);
     }

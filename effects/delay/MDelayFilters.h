@@ -5,10 +5,19 @@
 #include "dsp/kernels/MDelayKernels.h"
 #include "effects/delay/MDelaySettings.h"
 
+/// The sections of a filter pair that run.
+struct MActiveSections {
+    bool lowPass = false;
+    bool highPass = false;
+};
+
 /// What a filter pair remembers, for every channel.
 struct MDelayFilterStates {
     MBiquadState lowPass[kDelayMaxChannels];
     MBiquadState highPass[kDelayMaxChannels];
+
+    /// Lets the sections that are active `now` and were not `before` begin from silence. [audio]
+    void Wake(MActiveSections before, MActiveSections now) noexcept;
 };
 
 /// The high-pass and low-pass that shape either the input or every round of the loop.
@@ -28,19 +37,24 @@ public:
 
     bool FiltersInput() const noexcept { return IsActive() && !filtersFeedback_; }
     bool FiltersFeedback() const noexcept { return IsActive() && filtersFeedback_; }
+    MActiveSections InInput() const noexcept {
+        return filtersFeedback_ ? MActiveSections{} : active_;
+    }
+    MActiveSections InFeedback() const noexcept {
+        return filtersFeedback_ ? active_ : MActiveSections{};
+    }
 
 private:
-    bool IsActive() const noexcept { return isLowPassActive_ || isHighPassActive_; }
+    bool IsActive() const noexcept { return active_.lowPass || active_.highPass; }
     const MBiquadCoefficients* LowPass() const noexcept {
-        return isLowPassActive_ ? &lowPass_.Coefficients() : nullptr;
+        return active_.lowPass ? &lowPass_.Coefficients() : nullptr;
     }
     const MBiquadCoefficients* HighPass() const noexcept {
-        return isHighPassActive_ ? &highPass_.Coefficients() : nullptr;
+        return active_.highPass ? &highPass_.Coefficients() : nullptr;
     }
 
     MBiquad lowPass_;
     MBiquad highPass_;
-    bool isLowPassActive_ = false;
-    bool isHighPassActive_ = false;
+    MActiveSections active_;
     bool filtersFeedback_ = false;
 };

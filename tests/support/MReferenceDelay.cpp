@@ -73,8 +73,17 @@ void MReferenceDelay::Prepare(int channels, int sampleRate) {
 }
 
 void MReferenceDelay::Update(const MDelaySettings& settings) {
+    const bool hadLow = hasLow_, hadHigh = hasHigh_, filteredFeedback = filtersFeedback_;
     hasLow_ = std::abs(settings.maxFrequency - 20000) >= 1;
     hasHigh_ = std::abs(20 - settings.minFrequency) >= 1;
+    filtersFeedback_ = settings.filtersFeedback;
+    const bool isElsewhere = filteredFeedback != filtersFeedback_;
+    for (Tap& tap : taps_) {
+        for (Channel& channel : tap) {
+            if (!hadLow || isElsewhere) channel.low = channel.inputLow = {};
+            if (!hadHigh || isElsewhere) channel.high = channel.inputHigh = {};
+        }
+    }
     const auto q = static_cast<double>(static_cast<float>(0.1 + 0.8 * settings.resonance));
     const auto design = [&](BiquadType type, double frequency) {
         return DesignBiquad(type, std::min(frequency, 0.49 * sampleRate_), q, sampleRate_);

@@ -54,7 +54,7 @@ private:
 
     int channels_ = 0;
     int sampleRate_ = 0;
-    bool hasLow_ = false, hasHigh_ = false;
+    bool hasLow_ = false, hasHigh_ = false, filtersFeedback_ = false;
     MBiquadCoefficients low_, high_;
     bool isEnabled_[kDelayTaps] = {};
     std::array<Tap, kDelayTaps> taps_;

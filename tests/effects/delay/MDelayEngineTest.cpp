@@ -54,6 +54,38 @@ TEST(MDelayEngine, EchoesInEveryModeWithTheFeedbackFromTheEchoWhereItBelongs) {
     }
 }
 
+// A sound from before must not come back with what was switched off while it faded.
+TEST(MDelayEngine, StartsFromSilenceWhereATapOrAFilterIsSwitchedOn) {
+    const auto filtered = [](double lowest, double highest, bool isInLoop) {
+        MDelaySettings settings = DefaultDelaySettings();
+        settings.minFrequency = lowest;
+        settings.maxFrequency = highest;
+        settings.resonance = 1;
+        settings.filtersFeedback = isInLoop;
+        return settings;
+    };
+    MDelaySettings off = filtered(100, 2000, true);
+    off.taps[0].isEnabled = false;
+    const struct {
+        const char* name;
+        MDelaySettings on, away;
+    } rows[] = {
+        {"tap", filtered(100, 2000, true), off},
+        {"low-pass", filtered(20, 100, false), filtered(20, 20000, false)},
+        {"high-pass in the loop", filtered(500, 9000, true), filtered(20, 9000, true)},
+        {"filter mode", filtered(100, 2000, false), filtered(100, 2000, true)},
+        {"filter mode back", filtered(100, 2000, true), filtered(100, 2000, false)},
+    };
+    for (const auto& row : rows) {
+        EngineRun run(2, kRate, row.on);
+        run.Run(Constant(2, 10'000, 1));
+        run.settings = row.away;
+        run.UpdateAndRun(Constant(2, 20 * kRate, 0));
+        run.settings = row.on;
+        EXPECT_EQ(run.UpdateAndRun(Constant(2, 10'000, 0)), Constant(2, 10'000, 0)) << row.name;
+    }
+}
+
 TEST(MDelayEngine, KeepsTheTrebleOfEchoesWhileTheDelayMovesOn) {
     MDelaySettings settings = DefaultDelaySettings();
     settings.taps[0].delay = 0.4;
