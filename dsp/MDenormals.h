@@ -6,9 +6,6 @@
 /// Below this a delay line counts as silent and its tail as over.
 inline constexpr float kSilenceThreshold = 1e-20f;
 
-/// Added before the saturation curve so that a fading loop never becomes denormal.
-inline constexpr double kSaturationGuard = 1e-15;
-
 /// Makes the processor take and give zero for denormal numbers while it lives, and restores the
 /// caller's mode afterwards: hosts differ in what they set. [audio]
 class MFlushDenormals {

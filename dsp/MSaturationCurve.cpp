@@ -26,10 +26,9 @@ double MSaturationCurve::Curve(double x) const noexcept {
 }
 
 double MSaturationCurve::Process(double sample, double amount) const noexcept {
-    const double x = sample + kSaturationGuard;
-    const double r = Curve(x);
-    const double even = r + kEven * ((r - x) * (r - x));
-    return (1 - amount) * x + amount * even;
+    const double r = Curve(sample);
+    const double even = r + kEven * ((r - sample) * (r - sample));
+    return (1 - amount) * sample + amount * even;
 }
 
 MSaturationSettings MSaturationCurve::Settings(double amount) const noexcept {

@@ -9,12 +9,12 @@
 namespace {
 
 double Saturate(double sample, double amount) {
-    const double x = sample + 1e-15;
+    const double x = sample;
     const double size = std::abs(x);
     // A constant of the curve; a plain writer would not compute it for every sample either.
     static const double full = std::tanh(std::numbers::pi);
     const double r = std::copysign(size < 1 ? std::tanh(std::numbers::pi * size) / full : 1.0, x);
-    return (1 - amount) * x + amount * (r + 0.7 * (r - x) * (r - x));
+    return std::clamp((1 - amount) * x + amount * (r + 0.7 * (r - x) * (r - x)), -10.0, 10.0);
 }
 
 }  // namespace

@@ -110,21 +110,20 @@ void FilterInput(const MFilterPair& filters, float* const* samples, int channels
     Filter<false>(filters, 0, samples, channels, count);
 }
 
-void Saturate(const MSaturationSettings& settings, double* samples, int count) {
-    // Keeps the recursion away from denormal numbers when the sound fades.
-    constexpr double kGuard = 1e-15;
+void Saturate(const MSaturationSettings& settings, double limit, double* samples, int count) {
     const MSaturationSettings s = settings;
     ForEach(count, [=](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
-        const D one = lanes.Splat(1.0);
-        const D x = Load<D>(samples + i) + kGuard;
+        const D one = lanes.Splat(1.0), high = lanes.Splat(limit);
+        const D x = Load<D>(samples + i);
         const D size = x < D{} ? -x : x;
         const D inside = size < one ? size : one;
         const D curve = Tanh<D>(inside * s.innerScale) * s.outerScale;
         const D bent = size < one ? curve : one;
         const D r = x < D{} ? -bent : bent;
         const D even = r + s.even * ((r - x) * (r - x));
-        Store(samples + i, (1.0 - s.amount) * x + s.amount * even);
+        const D mixed = (1.0 - s.amount) * x + s.amount * even;
+        Store(samples + i, mixed > high ? high : (mixed < -high ? -high : mixed));
     });
 }
 

@@ -7,8 +7,9 @@
 
 namespace {
 
-/// A resonant filter with full feedback must not run away.
-constexpr double kFilterLimit = 10;
+/// Neither a resonant filter nor the even part of the saturation may run away with the loop: it
+/// comes back as soon as the feedback or the level does. What stays below +20 dB is untouched.
+constexpr double kLoopLimit = 10;
 
 }  // namespace
 
@@ -154,11 +155,11 @@ void MDelayTapLoop::MixLoop(Piece& piece) noexcept {
     }
     if (surroundings_.filters.FiltersFeedback()) {
         kernels.filterLoop(surroundings_.filters.ForFeedback(tap_.FilterStates(), piece.channel),
-                           kFilterLimit, loop, piece.channels, piece.count);
+                           kLoopLimit, loop, piece.channels, piece.count);
     }
     for (int side = 0; side < piece.channels; ++side) {
         if (surroundings_.saturation != nullptr) {
-            kernels.saturate(*surroundings_.saturation, loop[side], piece.count);
+            kernels.saturate(*surroundings_.saturation, kLoopLimit, loop[side], piece.count);
         }
         if (surroundings_.freeze != nullptr) {
             kernels.freeze(surroundings_.freeze[piece.channel + side] + piece.start,

@@ -22,12 +22,12 @@ double Straight(const MBlockRamp& ramp, int i, int count) {
 }
 
 double Saturate(double sample, double amount) {
-    const double x = sample + 1e-15;
+    const double x = sample;
     const double size = std::abs(x);
     const double bent =
         size < 1 ? std::tanh(std::numbers::pi * size) / std::tanh(std::numbers::pi) : 1;
     const double r = x < 0 ? -bent : bent;
-    return (1 - amount) * x + amount * (r + 0.7 * (r - x) * (r - x));
+    return std::clamp((1 - amount) * x + amount * (r + 0.7 * (r - x) * (r - x)), -10.0, 10.0);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <numbers>
@@ -84,6 +85,27 @@ TEST(MDelayEngine, StartsFromSilenceWhereATapOrAFilterIsSwitchedOn) {
         run.settings = row.on;
         EXPECT_EQ(run.UpdateAndRun(Constant(2, 10'000, 0)), Constant(2, 10'000, 0)) << row.name;
     }
+}
+
+TEST(MDelayEngine, SaturatesWithoutEndingInDirectCurrentOrRunningAway) {
+    MDelaySettings settings = DefaultDelaySettings();
+    const auto peak = [](const Sound& sound) {
+        return *std::max_element(sound[0].begin(), sound[0].end());
+    };
+    // Loops that would amplify what is put into them by rounding.
+    for (const auto& [feedback, amount] : {std::pair{0.63, 1.0}, {1.0, 0.1}}) {
+        settings.taps[0].feedback = Held(feedback);
+        settings.saturation = amount;
+        EngineRun run(2, kRate, settings);
+        EXPECT_EQ(peak(run.Run(Constant(2, 15 * kRate, 0))), 0) << feedback;
+    }
+    settings.taps[0].feedback = Held(0.9);
+    settings.saturation = 1;
+    EngineRun run(2, kRate, settings);
+    EXPECT_LE(peak(run.Run(Constant(2, 3 * kRate, 1))), 10);
+    run.settings.taps[0].feedback = Held(0.4);
+    run.Run(Constant(2, 5 * kRate, 0));
+    EXPECT_LT(peak(run.Run(Constant(2, kRate, 0))), 1e-6f);
 }
 
 TEST(MDelayEngine, KeepsTheTrebleOfEchoesWhileTheDelayMovesOn) {
