@@ -68,6 +68,10 @@ MAudioReader::MAudioReader(const std::filesystem::path& path) : path_(path) {
         FailFile(MFormat("{0} has {1} channels; 1 to {2} are possible", path.string(),
                          info.channels, kMaxChannels));
     }
+    if (info.samplerate < kLowestRate || info.samplerate > kHighestRate) {
+        FailFile(MFormat("{0} has a sample rate of {1} Hz; {2} to {3} Hz are possible",
+                         path.string(), info.samplerate, kLowestRate, kHighestRate));
+    }
     if (info.frames >= 0 && info.frames < SF_COUNT_MAX) frames_ = info.frames;
     // The length of an MP3 stream is an estimate unless the file states it.
     mayEndEarly_ = (info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_MPEG;

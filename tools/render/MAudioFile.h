@@ -24,9 +24,12 @@ struct MAudioShape {
 class MAudioReader {
 public:
     static constexpr int kMaxChannels = 8;
+    // Hertz. Hosts can set no others: the plug-in would go on at the rate it had before.
+    static constexpr int kLowestRate = 101;
+    static constexpr int kHighestRate = 1 << 22;
 
-    /// Opens `path`. Throws MRenderFailure (File) when it is missing, is no audio file or has more
-    /// than 8 channels. [main]
+    /// Opens `path`. Throws MRenderFailure (File) when it is missing, is no sound file or has more
+    /// channels or another rate than that. [main]
     explicit MAudioReader(const std::filesystem::path& path);
 
     const MAudioShape& Shape() const { return shape_; }
