@@ -35,11 +35,13 @@ public:
     const MAudioShape& Shape() const { return shape_; }
     /// Frames of the whole file as its header states them; empty when it does not. [main]
     std::optional<std::int64_t> Frames() const { return frames_; }
+    /// By how much a WAV file that was cut off ends before the end that its header states. [main]
+    double MissingSeconds() const { return missingSeconds_; }
 
     /// Reads the next frames, interleaved, until `samples` (a multiple of the channel count) is
     /// full or the file ends, and returns how many frames that were. Values that are not finite
-    /// come as 0. Throws MRenderFailure (File) when the file breaks off before its stated end.
-    /// [main]
+    /// come as 0. Throws MRenderFailure (File) when a file other than WAV breaks off before its
+    /// stated end. [main]
     int Read(std::span<float> samples);
 
 private:
@@ -49,6 +51,7 @@ private:
     std::optional<std::int64_t> frames_;
     std::int64_t position_ = 0;  // frames read so far
     bool mayEndEarly_ = false;   // the stated length is an estimate
+    double missingSeconds_ = 0;
 };
 
 /// Writes a WAV file front to back. One thread only.

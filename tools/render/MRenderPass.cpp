@@ -46,6 +46,7 @@ MRenderSummary MRenderPass::Run(MAudioReader& reader, MSampleWriter& samples,
     summary.tailWasCut = watch_.WasCut();
     summary.latencyFrames = latency;
     summary.peak = static_cast<double>(peak_);
+    summary.missingSeconds = reader.MissingSeconds();
     summary.lateSettings = timeline_.LatePoints();
     summary.clippedSamples = samples.ClippedSamples();
     return summary;

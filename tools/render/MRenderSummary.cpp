@@ -26,6 +26,9 @@ std::string MRenderSummary::Text() const {
     if (clippedSamples > 0) {
         text += MFormat(", {0} samples clipped (see --gain-guard)", clippedSamples);
     }
+    if (missingSeconds > 0) {
+        text += MFormat(", the input is cut off {0;.2} s before its stated end", missingSeconds);
+    }
     if (lateSettings > 0) text += MFormat(", ended before {0} timed settings", lateSettings);
     return text;
 }
@@ -44,6 +47,7 @@ std::string MRenderSummary::Json() const {
     json.Member("peak", peak);
     json.Member("guardGain", guardGain);
     json.Member("latencyFrames", latencyFrames);
+    json.Member("missingSeconds", missingSeconds);
     json.Member("lateSettings", lateSettings);
     json.Member("clippedSamples", static_cast<double>(clippedSamples));
     json.EndObject();

@@ -15,6 +15,7 @@ struct MRenderSummary {
     double peak = 0;            ///< largest absolute sample in the file before rounding, 1 = 0 dBFS
     double guardGain = 1;       ///< what the gain guard multiplied the output with
     int latencyFrames = 0;      ///< of the processor, whether compensated or not
+    double missingSeconds = 0;  ///< by which the input was cut off before its stated end
     int lateSettings = 0;       ///< timed settings that the render ended before
     long long clippedSamples = 0;  ///< samples at the limit of a 16 or 24 bit format
 
