@@ -5,17 +5,35 @@
 #include "plugin/presets/MPluginPresetContent.h"
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
-/// Whether `node` has a value for any of `records`.
-bool HasAny(std::span<const ParameterDefinition> records, MXMLNode node) {
-    return std::any_of(records.begin(), records.end(), [&](const ParameterDefinition& record) {
+/// What the records of `effect` hold once it has loaded `node` over `start`, a member of theirs.
+std::vector<double> LoadOver(double ParameterDefinition::*start, MEffectHandle& effect,
+                             MXMLNode node) {
+    for (ParameterDefinition& record : effect.Table()) record.SetValue(record.*start);
+    effect.Load(node);
+    std::vector<double> values;
+    for (const ParameterDefinition& record : effect.Table()) values.push_back(record.Value());
+    return values;
+}
+
+/// Whether `node` has a value for `effect`. The effect alone knows its old keys, and a value may
+/// equal the default: what is the same over two different ones has come from the node.
+bool HasAny(MEffectHandle& effect, MXMLNode node) {
+    const std::span<const ParameterDefinition> records = effect.Table();
+    const bool hasKey = std::any_of(records.begin(), records.end(), [&](const auto& record) {
         return node.Attribute(record.key).has_value();
     });
+    if (hasKey) return true;
+    const std::vector<double> low = LoadOver(&ParameterDefinition::minimum, effect, node);
+    const std::vector<double> high = LoadOver(&ParameterDefinition::maximum, effect, node);
+    return !std::equal(low.begin(), low.end(), high.begin(), std::not_equal_to<>());
 }
 
 }  // namespace
@@ -208,13 +226,10 @@ bool MAudioEffectPluginToAudioPluginAdapter::LoadEffect(int index, MXMLNode node
     MEffectHandle& spare = SpareLike(staged, stage);
     const std::span<ParameterDefinition> records = spare.Table();
     spare.Load(node);
-    bool hasAny = HasAny(records, node);
     for (std::size_t i = 0; i < staged.size(); ++i) {
-        const double value = records[i].Nearest(records[i].Value());
-        hasAny = hasAny || value != staged[i];
-        staged[i] = value;
+        staged[i] = records[i].Nearest(records[i].Value());
     }
-    return hasAny;
+    return HasAny(spare, node);
 }
 
 MStandardSettings MAudioEffectPluginToAudioPluginAdapter::StandardSettings() {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/MException.h"
+#include "core/MFormat.h"
 #include "plugin/MPluginState.h"
 #include "product/MProductFactory.h"
 #include "tests/support/ForeignLocale.h"
@@ -52,6 +53,17 @@ TEST(ProductState, SavedLoadedAndSavedAgainIsTheSameInAnyCountry) {
         MPluginState::Load(*other, chunk);
         EXPECT_EQ(MPluginState::SaveText(*other), text);
         EXPECT_EQ(MPluginState::Save(*other), chunk);
+    }
+}
+
+TEST(ProductState, AnyKeyOfTheEffectInAStateWithoutBandsMakesItOneBandsEvenAtItsDefault) {
+    for (const char* key : {"parameterclassicmode", "parameterserialmode", "mode"}) {
+        for (const char* value : {"0", "1"}) {
+            const auto plugin = MProductFactory::Create();
+            const std::string text = MFormat("<settings {0}='{1}'/>", key, value);
+            MPluginState::Load(*plugin, Bytes(text.begin(), text.end()));
+            EXPECT_EQ(plugin->Layout().bandCount, 1) << text;
+        }
     }
 }
 
