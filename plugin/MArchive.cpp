@@ -5,23 +5,24 @@
 
 #include <cmath>
 #include <limits>
-#include <optional>
 
-namespace {
-
-std::optional<double> Read(const MXMLNode& node, std::string_view key) {
-    const std::optional<std::string> text = node.Attribute(key);
-    return text ? MText::ReadNumber(*text) : std::nullopt;
+std::optional<std::string> MArchive::Read(const MXMLNode& node, std::string_view key) const {
+    std::optional<std::string> text = node.Attribute(key);
+    if (text) NoteFound();
+    return text;
 }
 
-}  // namespace
+std::optional<double> MArchive::ReadNumber(const MXMLNode& node, std::string_view key) const {
+    const std::optional<std::string> text = Read(node, key);
+    return text ? MText::ReadNumber(*text) : std::nullopt;
+}
 
 void MArchive::Integer(MXMLNode node, std::string_view key, int& value) const {
     if (IsWriting()) {
         node.SetAttribute(key, std::to_string(value));
         return;
     }
-    const std::optional<double> read = Read(node, key);
+    const std::optional<double> read = ReadNumber(node, key);
     const bool fits = read && std::fabs(*read) <= std::numeric_limits<int>::max();
     if (fits) value = static_cast<int>(std::lround(*read));
 }
@@ -37,7 +38,7 @@ void MArchive::Number(MXMLNode node, std::string_view key, double& value) const 
         node.SetAttribute(key, MText::WriteNumber(value));
         return;
     }
-    const std::optional<double> read = Read(node, key);
+    const std::optional<double> read = ReadNumber(node, key);
     if (read && std::isfinite(*read)) value = *read;
 }
 
@@ -46,11 +47,14 @@ void MArchive::Text(MXMLNode node, std::string_view key, std::string& value) con
         node.SetAttribute(key, value);
         return;
     }
-    if (const std::optional<std::string> text = node.Attribute(key)) value = *text;
+    if (const std::optional<std::string> text = Read(node, key)) value = *text;
 }
 
 MXMLNode MArchive::Child(MXMLNode node, std::string_view name) const {
-    return IsWriting() ? node.AddChild(name) : node.Child(name);
+    if (IsWriting()) return node.AddChild(name);
+    const MXMLNode child = node.Child(name);
+    if (child) NoteFound();
+    return child;
 }
 
 std::vector<MXMLNode> MArchive::Children(MXMLNode node, std::string_view name, int count) const {

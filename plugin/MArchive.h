@@ -3,8 +3,10 @@
 
 #include "core/MXML.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Travels with a node through the storing operations and says which way values go, so that one
 /// traversal serves saving and loading. Writing sets the attribute from the member; reading sets
@@ -30,6 +32,11 @@ public:
     /// For those who read into a copy: whether it starts from the defaults.
     bool StartsFromDefaults() const noexcept { return base_ == Base::Defaults; }
 
+    /// Whether anything that was read was there: if nothing was, the tree is no state. [main]
+    bool HasFound() const noexcept { return hasFound_; }
+    /// Tells of a find that was not made through this archive. [main]
+    void NoteFound() const noexcept { hasFound_ = true; }
+
     /// A whole number; a decimal text is read as the nearest one. [main]
     void Integer(MXMLNode node, std::string_view key, int& value) const;
     /// A switch: 1 and 0, read as on for any other number than 0. [main]
@@ -46,6 +53,10 @@ public:
     std::vector<MXMLNode> Children(MXMLNode node, std::string_view name, int count) const;
 
 private:
+    std::optional<std::string> Read(const MXMLNode& node, std::string_view key) const;
+    std::optional<double> ReadNumber(const MXMLNode& node, std::string_view key) const;
+
     Direction direction_;
     Base base_;
+    mutable bool hasFound_ = false;  // of the traversal, which sees a constant archive
 };

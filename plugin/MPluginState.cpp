@@ -2,6 +2,7 @@
 #include "plugin/MPluginState.h"
 
 #include "core/MException.h"
+#include "core/MFormat.h"
 #include "core/MMemoryStream.h"
 #include "core/MXML.h"
 #include "core/MZLibStream.h"
@@ -47,6 +48,9 @@ void MPluginState::Load(MAudioPlugin& plugin, std::span<const std::uint8_t> byte
     const MXMLTree tree = MXMLTree::Parse(Expand(bytes));
     MArchive archive(MArchive::Direction::Read, MArchive::Base::Defaults);
     plugin.Store(tree.Root(), archive);
+    const std::string name = tree.Root().Name();
+    if (name == kRootName || archive.HasFound()) return;
+    throw MException(MFormat("<{0}> holds no settings of the plug-in.", name));
 }
 
 std::vector<std::uint8_t> MPluginState::Compress(std::string_view text) {

@@ -25,8 +25,9 @@ std::vector<std::uint8_t> Save(MAudioPlugin& plugin);
 
 /// Loads what Save or SaveText gave, this version or an older one. The plug-in starts from its
 /// defaults, so that a state always sounds the same. Throws MException, and nothing changes, for
-/// bytes that are no state: "The XML does not contain any elements." or what the parser says.
-/// [main]
+/// bytes that are no state: "The XML does not contain any elements." or what the parser says. Any
+/// other XML is taken for a state that says little; where it says nothing at all and is not named
+/// as a state either, that is told by an MException once the plug-in is at its defaults. [main]
 void Load(MAudioPlugin& plugin, std::span<const std::uint8_t> bytes);
 
 /// Text to chunk and chunk (or text) to text. Throws MException for what cannot be read. [any]

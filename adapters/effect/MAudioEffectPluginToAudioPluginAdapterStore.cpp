@@ -50,6 +50,7 @@ void MAudioEffectPluginToAudioPluginAdapter::Store(MXMLNode node, MArchive& arch
         StoreMultiParameters(node, staging);
         StoreControllers(node, staging);
         StoreSettings(node, staging);
+        if (staging.HasFound()) archive.NoteFound();
         if (!archive.IsWriting()) {
             if (!stage->isComplete) return;
             Load(*stage);
@@ -187,8 +188,8 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreSettings(MXMLNode node, MArchi
         MStage& stage = dynamic_cast<MStagingArchive&>(archive).Stage();
         if (archive.IsWriting()) {
             SaveEffect(0, node, stage);
-        } else {
-            LoadEffect(0, node, stage);
+        } else if (LoadEffect(0, node, stage)) {
+            archive.NoteFound();
         }
         stage.isComplete = true;
     });

@@ -157,7 +157,7 @@ private:
     void StoreBandParameters(MXMLNode node, const MStagingArchive& archive, const Stage& stage);
     void SaveBandEffects(MXMLNode node, Stage& stage);
     void LoadBandEffects(MXMLNode node, Stage& stage);
-    void LoadLegacyEffect(MXMLNode node, Stage& stage);
+    void LoadLegacyEffect(MXMLNode node, const MArchive& archive, Stage& stage);
     void StageDefaultLimits(Stage& stage);
     MBandParameters::Limits StagedLimits(Stage& stage);
     void ProcessBand(int band, const float* const* inputs, float* const* outputs,

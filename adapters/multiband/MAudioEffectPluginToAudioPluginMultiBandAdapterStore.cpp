@@ -103,11 +103,11 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::StoreSettings(MXMLNode nod
         StoreBandParameters(node, staging, stage);
         if (archive.IsWriting()) {
             SaveBandEffects(node, stage);
-        } else if (node.Child(BandKey(0))) {
+        } else if (archive.Child(node, BandKey(0))) {
             LoadBandEffects(node, stage);
         } else {
             stage.isLegacy = true;
-            LoadLegacyEffect(node, stage);
+            LoadLegacyEffect(node, archive, stage);
         }
         stage.isComplete = true;
     });
@@ -162,9 +162,11 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::LoadBandEffects(MXMLNode n
 // States from before there were bands keep the effect's values beside all others. Such a state is
 // meant for one band, unless it says something else.
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::LoadLegacyEffect(MXMLNode node,
+                                                                       const MArchive& archive,
                                                                        Stage& stage) {
     Guard(kEffects, [&] {
         const bool hasEffect = LoadEffect(0, node, stage);
+        if (hasEffect) archive.NoteFound();
         if (!hasEffect || node.Attribute("BandCount")) return;
         stage.layout.bandCount = 1;
         stage.layout.editedBand = 0;

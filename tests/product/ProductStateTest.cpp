@@ -93,4 +93,26 @@ TEST(ProductState, WhatIsNoStateChangesNothing) {
     }
 }
 
+TEST(ProductState, TellsOfXmlWithoutSettingsAndTakesSettingsByAnyName) {
+    const std::pair<const char*, bool> rows[] = {
+        {"<html lang='en'><body/></html>", false},
+        {"<preset name='a'><settings DryWet='0.5'/></preset>", false},
+        {"<settings/>", true},
+        {"<state DryWet='0.5'/>", true},
+        {"<state parameterclassicmode='1'/>", true},
+        {"<state><band0/></state>", true}};
+    for (const auto& [given, isState] : rows) {
+        const auto plugin = MProductFactory::Create();
+        Randomise(*plugin, 7);
+        const std::string text = given;
+        try {
+            MPluginState::Load(*plugin, Bytes(text.begin(), text.end()));
+            EXPECT_TRUE(isState) << text;
+        } catch (const MException& exception) {
+            EXPECT_FALSE(isState) << exception.Text();
+        }
+        EXPECT_EQ(plugin->BandParameters().InputGain().Value(), 0) << "at its default: " << text;
+    }
+}
+
 }  // namespace

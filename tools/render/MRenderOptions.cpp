@@ -42,10 +42,10 @@ Bands
   unless --no-latency-compensation asks for it.
 
 States
-  --state loads what a host has saved (the bytes of a chunk) or XML text, and with it all bands; what
-  else is set comes on top. --save-state writes the state that this makes: XML text, or compressed as
-  hosts keep it when the name ends in .chunk or .bin. Without an input it does only that, which turns
-  one form into the other.
+  --state loads what a host has saved (the bytes of a chunk), XML text or an exported preset, and with
+  it all bands; what else is set comes on top. --save-state writes the state that this makes: XML text,
+  or compressed as hosts keep it when the name ends in .chunk or .bin. Without an input it does only
+  that, which turns one form into the other.
 
 Automation
   --automation reads lanes from a JSON file:

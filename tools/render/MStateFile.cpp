@@ -3,7 +3,10 @@
 
 #include "core/MFormat.h"
 #include "core/MText.h"
+#include "core/MXML.h"
 #include "plugin/MPluginState.h"
+#include "plugin/presets/MPluginPresetContent.h"
+#include "plugin/presets/MPresetFile.h"
 #include "tools/render/MRenderFailure.h"
 #include "tools/render/MTemporaryFile.h"
 
@@ -42,7 +45,12 @@ bool IsCompressed(const std::filesystem::path& file) {
 void MStateFile::Load(MAudioPlugin& plugin, const std::filesystem::path& file) {
     const std::vector<std::uint8_t> bytes = Read(file);
     try {
-        MPluginState::Load(plugin, bytes);
+        const MXMLTree tree = MXMLTree::Parse(MPluginState::Expand(bytes));
+        if (tree.Root().Name() == MPresetFile::kPreset) {
+            MPluginPresetContent::Load(plugin, MPresetFile::ReadPreset(tree.Root()).content);
+        } else {
+            MPluginState::Load(plugin, bytes);
+        }
     } catch (const MException& exception) {
         std::string reason = exception.Text();
         if (reason.ends_with('.')) reason.pop_back();

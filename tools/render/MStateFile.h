@@ -8,7 +8,8 @@ class MAudioPlugin;
 /// States of the plug-in in files: XML text, or as hosts keep them.
 namespace MStateFile {
 
-/// Loads a state of either kind, whatever the file's name. Throws MRenderFailure (File). [main]
+/// Loads a state of either kind, or an exported preset, whatever the file's name. Throws
+/// MRenderFailure (File), also for XML that holds no settings. [main]
 void Load(MAudioPlugin& plugin, const std::filesystem::path& file);
 
 /// Saves the state: compressed for a name that ends in .chunk or .bin, as text for any other.
