@@ -3,9 +3,10 @@
 
 #include <array>
 #include <cstdint>
+#include <string_view>
 
-/// The shapes of a cyclic modulator.
-enum class MShape {
+/// The shapes of a cyclic modulator. Their numbers are stored in states.
+enum class MShape : int {
     Sine,           ///< 0.5 and rising at phase 0
     Triangle,       ///< in step with the sine
     SawUp,          ///< 0 at phase 0
@@ -15,6 +16,11 @@ enum class MShape {
     SmoothRandom,   ///< on its way, without a kink, from one cycle's random value to the next
     Steps           ///< `stepCount` values of equal length per cycle
 };
+
+/// What users call them, in their order. The builder of the factory presets reads this text.
+inline constexpr auto kShapeNames = std::to_array<std::string_view>(
+    {"sine", "triangle", "saw", "sawdown", "square", "stepped", "smooth", "steps"});
+static_assert(kShapeNames.size() == static_cast<int>(MShape::Steps) + 1);
 
 /// One shape and what it needs. Numbers outside their range count as the nearest in it.
 struct MShapeSettings {

@@ -45,7 +45,7 @@ void MModulatorSettings::Store(MXMLNode node, const MArchive& archive) {
 }
 
 void MModulatorSettings::StoreOscillator(MXMLNode node, const MArchive& archive) {
-    MStoredField::Choice(archive, node, "Shape", shape.shape, {0, 7, 0});
+    MStoredField::Choice(archive, node, "Shape", shape.shape, {0, kShapeNames.size() - 1, 0});
     MStoredField::Number(archive, node, "Width", shape.width, kMiddle);
     MStoredField::Integer(archive, node, "StepCount", shape.stepCount,
                           {1, MShapeSettings::kMaxSteps, 16});

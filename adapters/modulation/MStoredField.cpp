@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/modulation/MStoredField.h"
 
+#include "core/MFailureReporter.h"
+#include "core/MFormat.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -32,6 +35,11 @@ void Switch(const MArchive& archive, MXMLNode node, std::string_view key, bool& 
     const bool isThere = !archive.IsWriting() && node.Attribute(key).has_value();
     if (isThere) value = fallback;
     archive.Switch(node, key, value);
+}
+
+void ReportUnknown(const MXMLNode& node, std::string_view key, int number) {
+    MFailureReporter::Report(
+        MFormat("The state has <{0}> with {1} {2}, which is unknown.", node.Name(), key, number));
 }
 
 }  // namespace MStoredField

@@ -32,7 +32,10 @@ void Integer(const MArchive& archive, MXMLNode node, std::string_view key, int& 
 void Switch(const MArchive& archive, MXMLNode node, std::string_view key, bool& value,
             bool fallback);
 
-/// An enumerator by its number; one beyond the range becomes the default. [main]
+/// Tells that a state asks for a choice that there is not, as one of a newer version may. [main]
+void ReportUnknown(const MXMLNode& node, std::string_view key, int number);
+
+/// An enumerator by its number; one beyond the range becomes the default, which is reported. [main]
 template <class Enumeration>
 void Choice(const MArchive& archive, MXMLNode node, std::string_view key, Enumeration& value,
             const Range& range) {
@@ -40,6 +43,7 @@ void Choice(const MArchive& archive, MXMLNode node, std::string_view key, Enumer
     constexpr double kAny = 1e9;
     Integer(archive, node, key, number, {-kAny, kAny, range.fallback});
     if (number < range.minimum || number > range.maximum) {
+        if (!archive.IsWriting()) ReportUnknown(node, key, number);
         number = static_cast<int>(range.fallback);
     }
     value = static_cast<Enumeration>(number);

@@ -1,12 +1,19 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Modulators as kestrune-render --modulate takes them, written as the elements of the plug-in's state."""
 import re
+from pathlib import Path
 from xml.sax.saxutils import quoteattr
 
 from values import (EFFECT, GLOBAL, LENGTHS, TAP, TYPES, Fault, decibels, hertz, level, mix, number, panorama, percent,
                     seconds)
 
-SHAPES = ["sine", "triangle", "saw", "sawdown", "square", "stepped", "smooth", "steps"]
+
+def shapes():
+    header = Path(__file__).resolve().parents[2] / "dsp" / "MModulationShape.h"
+    return re.findall(r'"(\w+)"', re.search(r"kShapeNames = .*?{(.*?)}", header.read_text(), re.S)[1])
+
+
+SHAPES = shapes()
 SOURCES = {**dict.fromkeys(SHAPES, 0), "follower": 1, "envelope": 2, "walk": 3}
 MODES = {"+-": 1, "+": 2, "-": 3, "..": 4}
 ENDS = {mix: (0, 1), percent: (0, 1), level: (0, 1), decibels: (-24, 24), panorama: (-1, 1),

@@ -6,6 +6,7 @@
 #include "plugin/values/MChoiceReader.h"
 #include "tools/render/MRenderFailure.h"
 
+#include <algorithm>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -14,14 +15,7 @@
 
 namespace {
 
-constexpr std::pair<std::string_view, MShape> kShapes[] = {
-    {"sine", MShape::Sine},           {"triangle", MShape::Triangle},
-    {"saw", MShape::SawUp},           {"sawdown", MShape::SawDown},
-    {"square", MShape::Square},       {"stepped", MShape::SteppedRandom},
-    {"smooth", MShape::SmoothRandom}, {"steps", MShape::Steps}};
-
-constexpr const char* kSources =
-    "sine, triangle, saw, sawdown, square, stepped, smooth, steps, follower, envelope or walk";
+std::string Sources() { return MListShapes() + ", follower, envelope or walk"; }
 
 /// Goes through the words of a text.
 class Words {
@@ -118,20 +112,18 @@ void ReadSteps(Words& words, MShapeSettings& shape) {
 }
 
 void ReadName(const std::string& word, MModulatorSettings& settings) {
-    for (const auto& [name, shape] : kShapes) {
-        if (word != name) continue;
+    const auto shape = std::find(kShapeNames.begin(), kShapeNames.end(), word);
+    if (shape != kShapeNames.end()) {
         settings.source = MModulatorSource::Oscillator;
-        settings.shape.shape = shape;
-        return;
-    }
-    if (word == "follower") {
+        settings.shape.shape = static_cast<MShape>(shape - kShapeNames.begin());
+    } else if (word == "follower") {
         settings.source = MModulatorSource::Follower;
     } else if (word == "envelope") {
         settings.source = MModulatorSource::Envelope;
     } else if (word == "walk") {
         settings.source = MModulatorSource::RandomWalk;
     } else {
-        FailUsage(MFormat("\"{0}\" is no source of modulation; there are {1}", word, kSources));
+        FailUsage(MFormat("\"{0}\" is no source of modulation; there are {1}", word, Sources()));
     }
 }
 
@@ -194,9 +186,18 @@ bool ReadOption(Words& words, const std::vector<Option>& options, MModulatorSett
 
 }  // namespace
 
+std::string MListShapes() {
+    std::string text;
+    for (const std::string_view name : kShapeNames) {
+        if (!text.empty()) text += ", ";
+        text += name;
+    }
+    return text;
+}
+
 void MReadModulationSource(std::string_view text, MModulatorSettings& settings) {
     Words words(text);
-    if (words.IsDone()) FailUsage(MFormat("a modulation begins with its source: {0}", kSources));
+    if (words.IsDone()) FailUsage(MFormat("a modulation begins with its source: {0}", Sources()));
     ReadName(words.Take(), settings);
     double seed = settings.shape.seed;
     const std::vector<Option> options = OptionsOf(settings, seed);

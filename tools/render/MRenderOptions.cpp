@@ -5,6 +5,7 @@
 #include "core/MFormat.h"
 #include "core/MText.h"
 #include "tools/render/MBandArguments.h"
+#include "tools/render/MModulationSource.h"
 #include "tools/render/MRenderFailure.h"
 
 #include <CLI/CLI.hpp>
@@ -22,7 +23,7 @@ namespace {
 constexpr const char* kDescription =
     "Sends an audio file through the delay: reads WAV, FLAC, Ogg or MP3, writes WAV.";
 
-constexpr const char* kFooter = R"(Parameters
+constexpr const char* kFooterBeforeShapes = R"(Parameters
   --set takes a parameter's name and its value as the parameter shows it: "Delay=250 ms",
   "Feedback=-6 dB", "Min frequency=200 Hz", "Mode=PingPong", "Freeze=on". Case does not matter.
   A plain name means the first tap of every band: "Delay", "Tap 2 Delay", "Band 3 Delay",
@@ -57,14 +58,16 @@ Automation
 
 Modulation
   --modulate lets a source move parameters, up to four times: --modulate "SOURCE -> NAME: WAY; ...".
-  A source is sine, triangle, saw, sawdown, square, stepped, smooth (both random) or steps, each with a
-  rate or a note ("sine 0.5 Hz", "saw 1/4d") and, as wanted, phase 25%, width 30%, glide 10%, seed 7,
-  once, values 0 0.5 1 (of steps); walk 2 Hz smoothness 50% (a random walk); follower attack 5 ms
-  release 200 ms threshold -40 dB knee 6 dB range 40 dB, which follows the level of the input; or
-  envelope attack 10 ms decay 100 ms sustain 50% release 200 ms velocity 100%, which the notes of --midi
-  start and end. All take depth 50%, offset 10%, lag 20 ms and invert. A way is a range, "200 Hz ..
-  800 Hz", or a part of the parameter's whole: "+-20%" around where it stands, "+20%" above, "-20%"
-  below. Sources that meet at one parameter add up.
+  A source is a shape: )";
+
+constexpr const char* kFooterAfterShapes = R"(
+  (stepped and smooth are random), each with a rate or a note ("sine 0.5 Hz", "saw 1/4d") and, as
+  wanted, phase 25%, width 30%, glide 10%, seed 7, once, values 0 0.5 1 (of steps); walk 2 Hz
+  smoothness 50% (a random walk); follower attack 5 ms release 200 ms threshold -40 dB knee 6 dB range
+  40 dB, which follows the level of the input; or envelope attack 10 ms decay 100 ms sustain 50%
+  release 200 ms velocity 100%, which the notes of --midi start and end. All take depth 50%, offset
+  10%, lag 20 ms and invert. A way is a range, "200 Hz .. 800 Hz", or a part of the parameter's whole:
+  "+-20%" around where it stands, "+20%" above, "-20%" below. Sources that meet at one parameter add up.
 
 Examples
   kestrune-render loop.flac out.wav --set "Delay=120 ms" --set "Feedback=-20 dB"
@@ -265,7 +268,7 @@ MRenderOptions MRenderOptions::Parse(int argc, const char* const* argv) {
     MRenderOptions options;
     Typed typed;
     CLI::App app(kDescription, "kestrune-render");
-    app.footer(kFooter);
+    app.footer(kFooterBeforeShapes + MListShapes() + kFooterAfterShapes);
     DefineFiles(app, options, typed);
     DefineBands(app, typed.bands);
     DefineParameters(app, options, typed);

@@ -15,6 +15,7 @@
 #include <memory>
 #include <span>
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::ThrowsMessage;
 
@@ -337,7 +338,10 @@ TEST_F(MModulationTest, HoldsWhatAStateHasWrong) {
     settings.modulator.phase = 0.25;
     Modulation().SetModulator(0, settings);
     MModulationSettings all = Modulation().Settings();
+    const Reports reports;
     all.StoreModulators(tree.Root(), MArchive(MArchive::Direction::Read));
+    EXPECT_EQ(reports.texts.size(), 33u) << "the shape and every target's mode";
+    EXPECT_THAT(reports.texts, Contains("The state has <LFO> with Shape 99, which is unknown."));
     Modulation().SetSettings(all);
     settings = Modulation().Settings().modulators[0];
     EXPECT_EQ(settings.modulator.rate, 1);
