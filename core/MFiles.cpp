@@ -5,7 +5,6 @@
 #include "core/MFormat.h"
 
 #include <atomic>
-#include <chrono>
 #include <cstdint>
 #include <fstream>
 #include <system_error>
@@ -14,7 +13,9 @@
 #include <windows.h>
 #else
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -33,9 +34,27 @@ constexpr std::string_view kNotWritten = "\"{0}\" cannot be written.";
 
 std::uint64_t ProcessIdentifier() noexcept { return GetCurrentProcessId(); }
 
-/// Writes a file of its own that `target` is to become. Answers false where there is one already;
-/// leaves nothing behind when it throws. Who may read it is up to the folder.
-bool WriteNew(const fs::path& file, const fs::path& target, std::string_view content) {
+/// Puts what the new `file` holds in the place of `target`. Answers false where the file has gone.
+bool MoveOver(const fs::path& file, const fs::path& target) {
+    // Someone may be reading the target, a virus scanner for one: that takes milliseconds.
+    constexpr int kTries = 50;
+    for (int i = 0; i < kTries; ++i) {
+        if (MoveFileExW(file.c_str(), target.c_str(),
+                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0) {
+            return true;
+        }
+        if (GetLastError() == ERROR_FILE_NOT_FOUND) return false;
+        Sleep(10);
+    }
+    DeleteFileW(file.c_str());
+    Fail(kNotWritten, target);
+}
+
+/// Writes a new `file` and puts it in the place of `target`. Answers false where there is such a
+/// file already, or another call has taken it for a leftover; leaves nothing behind when it throws.
+/// Who may read the target is up to the folder.
+bool ReplaceBy(const fs::path& file, const fs::path& target, std::string_view content) {
+    // Shared with nobody, it cannot be removed meanwhile.
     HANDLE const handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                       FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
@@ -47,28 +66,42 @@ bool WriteNew(const fs::path& file, const fs::path& target, std::string_view con
                                 &written, nullptr) != 0 &&
                       written == content.size() && FlushFileBuffers(handle) != 0;
     CloseHandle(handle);
-    if (done) return true;
+    if (done) return MoveOver(file, target);
     DeleteFileW(file.c_str());
     Fail(kNotWritten, target);
 }
 
-void MoveOver(const fs::path& from, const fs::path& to) {
-    // Someone may be reading it, a virus scanner for one: that takes milliseconds.
-    constexpr int kTries = 50;
-    for (int i = 0; i < kTries; ++i) {
-        if (MoveFileExW(from.c_str(), to.c_str(),
-                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0) {
-            return;
-        }
-        Sleep(10);
-    }
-    DeleteFileW(from.c_str());
-    Fail(kNotWritten, to);
+/// Removes a file unless someone is writing it.
+void RemoveLeftover(const fs::path& file) {
+    // Shared with nobody, it cannot get its new name meanwhile, under which it would then go.
+    HANDLE const handle =
+        CreateFileW(file.c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
+                    FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
 }
 
 #else
 
 std::uint64_t ProcessIdentifier() noexcept { return static_cast<std::uint64_t>(getpid()); }
+
+/// A file as the system has it open.
+class OpenFile {
+public:
+    OpenFile(const fs::path& file, int flags, mode_t mode = 0) noexcept
+        : handle_(open(file.c_str(), flags | O_CLOEXEC, mode)) {}
+    ~OpenFile() {
+        if (handle_ >= 0) close(handle_);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    int Handle() const noexcept { return handle_; }
+    /// Locks the file for as long as it is open; false, with errno, where that cannot be.
+    bool TryLock() const noexcept { return flock(handle_, LOCK_EX | LOCK_NB) == 0; }
+
+private:
+    const int handle_;  // negative: could not be opened
+};
 
 /// Gives a file the owner and the permissions of another, as far as the system lets us. Network
 /// file systems may let nobody: the file then stays its owner's alone, and the content counts for
@@ -81,38 +114,43 @@ void Resemble(int handle, const struct stat& model) {
     static_cast<void>(fchmod(handle, model.st_mode & (isOurs ? kAll : kAll & ~kOfGroup)));
 }
 
-/// Writes a file of its own that `target` is to become, with the permissions of the one that is
-/// there. Answers false where there is such a `file` already; leaves nothing behind when it throws.
-bool WriteNew(const fs::path& file, const fs::path& target, std::string_view content) {
+bool WriteAll(int handle, std::string_view content) {
+    while (!content.empty()) {
+        const ssize_t written = write(handle, content.data(), content.size());
+        if (written > 0) content.remove_prefix(static_cast<std::size_t>(written));
+        if (written == 0 || (written < 0 && errno != EINTR)) return false;
+    }
+    // A rename that outruns the data would leave an empty file after a power cut.
+    return fsync(handle) == 0;
+}
+
+/// Writes a new `file` and puts it in the place of `target`, with the permissions of the one that
+/// is there. Answers false where there is such a file already, or another call has taken it for a
+/// leftover; leaves nothing behind when it throws.
+bool ReplaceBy(const fs::path& file, const fs::path& target, std::string_view content) {
     struct stat present {};
     const bool isNew = stat(target.c_str(), &present) != 0;
-    const int handle =
-        open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isNew ? 0666 : 0600);
-    if (handle < 0) {
+    const OpenFile opened(file, O_WRONLY | O_CREAT | O_EXCL, isNew ? 0666 : 0600);
+    if (opened.Handle() < 0) {
         if (errno == EEXIST) return false;
         Fail(kNotWritten, target);
     }
-    if (!isNew) Resemble(handle, present);
-    bool done = true;
-    while (done && !content.empty()) {
-        const ssize_t written = write(handle, content.data(), content.size());
-        if (written > 0) content.remove_prefix(static_cast<std::size_t>(written));
-        done = written > 0 || (written < 0 && errno == EINTR);
+    // By the lock other calls know that the file is being written, until it has its new name. Where
+    // it was removed before it was locked, there is nothing to rename.
+    if (!opened.TryLock() && errno == EWOULDBLOCK) return false;
+    if (!isNew) Resemble(opened.Handle(), present);
+    if (WriteAll(opened.Handle(), content)) {
+        if (rename(file.c_str(), target.c_str()) == 0) return true;
+        if (errno == ENOENT) return false;
     }
-    // A rename that outruns the data would leave an empty file after a power cut.
-    done = done && fsync(handle) == 0;
-    done = close(handle) == 0 && done;
-    if (done) return true;
     unlink(file.c_str());
     Fail(kNotWritten, target);
 }
 
-void MoveOver(const fs::path& from, const fs::path& to) {
-    std::error_code error;
-    fs::rename(from, to, error);
-    if (!error) return;
-    unlink(from.c_str());
-    Fail(kNotWritten, to);
+/// Removes a file unless someone is writing it.
+void RemoveLeftover(const fs::path& file) {
+    const OpenFile opened(file, O_RDWR | O_NOFOLLOW | O_NONBLOCK);
+    if (opened.Handle() >= 0 && opened.TryLock()) unlink(file.c_str());
 }
 
 #endif
@@ -127,18 +165,15 @@ fs::path TemporaryName() {
                    kTemporarySuffix);
 }
 
-/// Removes what calls that a crash has ended left in a folder. None of those alive is a day old.
+/// Removes what calls that a crash has ended left in a folder.
 void RemoveLeftovers(const fs::path& folder) {
-    const auto yesterday = fs::file_time_type::clock::now() - std::chrono::hours(24);
     // Compared as the system has them: names of others need not be valid text.
     const fs::path prefix = kTemporaryPrefix, suffix = kTemporarySuffix;
     std::error_code error;
     for (fs::directory_iterator i(folder, error), end; !error && i != end; i.increment(error)) {
         const fs::path name = i->path().filename();
         if (!name.native().starts_with(prefix.native()) || name.extension() != suffix) continue;
-        std::error_code kept;
-        const auto written = fs::last_write_time(i->path(), kept);
-        if (!kept && written < yesterday) fs::remove(i->path(), kept);
+        RemoveLeftover(i->path());
     }
 }
 
@@ -189,11 +224,8 @@ void MFiles::Replace(const fs::path& file, std::string_view content) {
     if (error) Fail(kNotWritten, file);
     const fs::path folder = target.parent_path();
     RemoveLeftovers(folder);
-    fs::path temporary;
-    do {
-        temporary = folder / TemporaryName();
-    } while (!WriteNew(temporary, target, content));
-    MoveOver(temporary, target);
+    while (!ReplaceBy(folder / TemporaryName(), target, content)) {
+    }
 }
 
 fs::path MFiles::SetAside(const fs::path& file) {

@@ -24,8 +24,7 @@ std::optional<std::string> Read(const std::filesystem::path& file, std::size_t l
 /// one file at once, the last one's content stays.
 ///
 /// The content is written beside the file first, under a name of the call's own. A crash in the
-/// middle leaves that behind; later calls for the same folder remove it once it is a day old.
-/// [main]
+/// middle leaves that behind; the next call for the same folder removes it. [main]
 void Replace(const std::filesystem::path& file, std::string_view content);
 
 /// Renames `file` to its own name and ".damaged", or ".damaged-2" and so on where that is taken.

@@ -7,9 +7,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -32,10 +34,8 @@ TEST(MFiles, ReplaceKeepsPermissionsAndLinksAndLeavesTheRestToTheUsersMask) {
 
 TEST(MFiles, ReplaceLeavesOneWholeContentWhenThreadsReplaceAtOnce) {
     const TemporaryFolder folder;
-    const fs::path file = folder / "presets.xml", old = folder / ".kestrune-1-1.tmp";
+    const fs::path file = folder / "presets.xml";
     folder.Write("presets.xml", std::string(1, 'a'));
-    folder.Write(".kestrune-1-1.tmp", "left by a crash");
-    fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::hours(25));
     std::atomic<int> failures{0}, writers{2};
     const auto write = [&](char letter, std::size_t size) {
         for (int i = 0; i < 50; ++i) {
@@ -56,5 +56,16 @@ TEST(MFiles, ReplaceLeavesOneWholeContentWhenThreadsReplaceAtOnce) {
     second.join();
     EXPECT_EQ(failures, 0);
     EXPECT_EQ(folder.Files(), 1) << "nothing but the file itself";
+}
+
+TEST(MFiles, ReplaceRemovesWhatKilledProcessesLeftButNothingThatIsBeingWritten) {
+    const TemporaryFolder folder;
+    for (const char* name : {".kestrune-1-1.tmp", ".kestrune-1-2.tmp"}) folder.Write(name, "half");
+    const int written = open((folder / ".kestrune-1-2.tmp").c_str(), O_WRONLY);
+    ASSERT_EQ(flock(written, LOCK_EX), 0);
+    MFiles::Replace(folder / "presets.xml", "a");
+    EXPECT_FALSE(fs::exists(folder / ".kestrune-1-1.tmp"));
+    EXPECT_TRUE(fs::exists(folder / ".kestrune-1-2.tmp"));
+    close(written);
 }
 #endif
