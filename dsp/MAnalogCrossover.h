@@ -18,8 +18,8 @@ class MAnalogCrossover {
 public:
     using Slope = MAudioFilters::CrossoverGeneralizedType;
 
-    /// Designs the bands: `bandCount` 1 .. 6, `frequencies` their limits in hertz in ascending
-    /// order (limits that cross each other are designed as they come), `sampleRate` in hertz.
+    /// Designs the bands: `bandCount` 1 .. 6, `frequencies` their limits in hertz in any order,
+    /// `sampleRate` in hertz.
     /// Throws MException for what cannot be designed, and the design in use stays. Never allocates.
     /// One designing thread at a time. [main]
     void Design(int bandCount, std::span<const double> frequencies, double sampleRate, Slope slope);

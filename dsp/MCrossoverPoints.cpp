@@ -26,5 +26,6 @@ MCrossoverPoints CheckCrossoverPoints(int bandCount, std::span<const double> fre
         if (std::isnan(frequencies[j])) throw MException("Invalid crossover frequency.");
         points.frequency[j] = std::clamp(frequencies[j], lowest, highest);
     }
+    std::sort(points.frequency.begin(), points.frequency.begin() + bandCount - 1);
     return points;
 }

@@ -23,8 +23,8 @@ public:
     MLinearPhaseCrossover();
     ~MLinearPhaseCrossover();
 
-    /// Designs the bands: `bandCount` 1 .. 6, `frequencies` their limits in hertz in ascending
-    /// order (limits that cross each other are designed as they come), `sampleRate` in hertz.
+    /// Designs the bands: `bandCount` 1 .. 6, `frequencies` their limits in hertz in any order,
+    /// `sampleRate` in hertz.
     /// `fixedQ` makes the steepness in octaves the same everywhere, as of an analog filter: the
     /// hybrid crossover. Throws MException for what cannot be designed, and the design in use
     /// stays. Allocates on the first call only, unless there was a Reserve. One designing thread at

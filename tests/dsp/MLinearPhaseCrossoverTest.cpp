@@ -84,6 +84,16 @@ TEST(MLinearPhaseCrossover, BandsAndTheirSumErrByTheAttenuationWhereLimitsAreATr
     }
 }
 
+TEST(MLinearPhaseCrossover, TakesLimitsInAnyOrder) {
+    std::vector<float> impulse(kDelay + 2048);
+    impulse[100] = 1;
+    Splitter crossed(std::array{2000.0, 6000.0, 500.0}, 48000, false);
+    Splitter rising(std::array{500.0, 2000.0, 6000.0}, 48000, false);
+    const FloatBands bands = crossed.Run(impulse, {512});
+    EXPECT_EQ(bands, rising.Run(impulse, {512}));
+    EXPECT_LE(SumError(bands, impulse), -70);
+}
+
 TEST(MLinearPhaseCrossover, AnyMixtureOfBlocksGivesTheSameBitsAtTheSameDelay) {
     const std::vector<float> noise = WhiteNoise(140000, 22);
     const double limits[] = {200, 2000, 9000};
