@@ -5,6 +5,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 constexpr double kFadeSeconds = 0.01;
@@ -15,7 +16,7 @@ void MBypassFade::Prepare(int channels, int sampleRate, int maximumDelay, int bl
     channels_ = channels;
     fadeLength_ = std::max(1, static_cast<int>(std::lround(sampleRate * kFadeSeconds)));
     Settle(isOn);
-    isStarting_ = false;
+    wasHeard_ = wasFed_ = isStarting_ = false;
     writePosition_ = 0;
     const std::size_t capacity = std::bit_ceil(static_cast<std::size_t>(maximumDelay) + 1);
     for (int channel = 0; channel < channels; ++channel) {
@@ -31,19 +32,28 @@ void MBypassFade::Settle(bool isOn) noexcept {
 
 bool MBypassFade::Begin(bool isOn, int delay, const float* const* inputs, int count) {
     const bool isHeard = isOn || position_ > 0;
-    isStarting_ = isOn && !isOn_ && position_ == 0;
+    const bool isFed = isHeard || delay > 0;
+    isStarting_ = !std::exchange(wasHeard_, isHeard) && isHeard;
+    // Without a delay nothing is kept. A delay that comes later must not find what was kept before.
+    if (!std::exchange(wasFed_, isFed) && isFed) ForgetHistory();
     isOn_ = isOn;
     const int last = static_cast<int>(history_[0].size()) - 1;
     for (int channel = 0; channel < channels_; ++channel) {
         if (isHeard) {
             signals_[channel] = buffers_[channel].Get(count);
             Exchange(channel, inputs[channel], signals_[channel], std::min(delay, last), count);
-        } else if (delay > 0) {
+        } else if (isFed) {
             Feed(channel, inputs[channel], count);
         }
     }
     writePosition_ = static_cast<int>((static_cast<unsigned>(writePosition_) + count) & last);
     return isHeard;
+}
+
+void MBypassFade::ForgetHistory() noexcept {
+    for (int channel = 0; channel < channels_; ++channel) {
+        std::fill(history_[channel].begin(), history_[channel].end(), 0.0f);
+    }
 }
 
 void MBypassFade::Feed(int channel, const float* input, int count) noexcept {

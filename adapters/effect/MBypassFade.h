@@ -24,7 +24,7 @@ public:
     /// block; only then Signals and Mix serve. Allocates when `count` exceeds every block so far.
     /// [audio]
     bool Begin(bool isOn, int delay, const float* const* inputs, int count);
-    /// Whether this block is the first of a fade-in. [audio]
+    /// Whether this block is the first after a pause in which Signals did not serve. [audio]
     bool IsStarting() const noexcept { return isStarting_; }
     /// The delayed inputs of the block, [channels][count], for whoever has to shape them. [audio]
     float* const* Signals() const noexcept { return signals_.data(); }
@@ -32,6 +32,7 @@ public:
     void Mix(float* const* outputs, int count) noexcept;
 
 private:
+    void ForgetHistory() noexcept;
     void Feed(int channel, const float* input, int count) noexcept;
     void Exchange(int channel, const float* input, float* output, int delay, int count) noexcept;
 
@@ -39,6 +40,8 @@ private:
     int fadeLength_ = 1;  // samples
     int position_ = 0;    // 0: the effect alone; fadeLength_: the input alone
     bool isOn_ = false;
+    bool wasHeard_ = false;  // in the last block
+    bool wasFed_ = false;    // the history, in the last block
     bool isStarting_ = false;
     std::array<std::vector<float>, MBusLayout::kMaxChannels> history_;  // rings; a power of two
     int writePosition_ = 0;

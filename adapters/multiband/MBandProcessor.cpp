@@ -141,6 +141,7 @@ void MBandProcessor::Start(Splitter splitter) noexcept {
     if (std::exchange(running_, splitter) == splitter) return;
     if (splitter == Splitter::Analog) {
         for (MAnalogPairState& state : pairs_) state.Reset();
+        ResetBypassed();
     } else if (splitter == Splitter::LinearPhase) {
         for (MLinearPhaseChannelState& state : linearStates_) state.Reset();
     }

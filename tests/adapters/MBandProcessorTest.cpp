@@ -97,6 +97,20 @@ TEST(MBandProcessor, RunsOnAfterAnEffectThatThrew) {
     }
 }
 
+TEST(MBandProcessor, KeepsNothingOfTheBypassedSignalWhileAnotherCrossoverRuns) {
+    Bands bands(4, 2, Slope::Slope120);
+    const auto bypassed = [&](Sound sound) {
+        bands.Run(sound);
+        bands.processor.ProcessBypassed(bands.block, sound[0].data(), 1000, 0);
+        return sound[0];
+    };
+    bypassed(Constant(2, 1000, 1));
+    for (const bool isLinearPhase : {true, false}) {
+        bands.block.isLinearPhase = isLinearPhase;
+        EXPECT_EQ(bypassed(Constant(2, 1000, 0)), std::vector<float>(1000));
+    }
+}
+
 TEST(MBandProcessor, TakesWhatIsNotFiniteAsSilenceAndLimitsTheRest) {
     constexpr float kHuge = std::numeric_limits<float>::max();
     constexpr float kBad[] = {std::numeric_limits<float>::infinity(), kHuge,

@@ -81,6 +81,15 @@ TEST(MBypassFade, StartsWhereTheSwitchStandsAndTurnsRoundInMidFade) {
     }
     EXPECT_EQ(turned[384], -input[0][384]);
 
+    // What was kept before a time without delay is not heard when there is one again.
+    fade.Prepare(1, kRate, 3072, kLength, false);
+    Channels silence(1, kLength);
+    RunFade(fade, input, 3072, kLength, kLength, 64);
+    RunFade(fade, silence, 0, kLength, kLength, 64);
+    fade.Settle(true);
+    EXPECT_EQ(RunFade(fade, silence, 3072, 0, kLength, kLength), silence[0]);
+    EXPECT_TRUE(fade.IsStarting());
+
     fade.Prepare(1, kRate, 0, 64, true);
     input[0][3] = std::numeric_limits<float>::quiet_NaN();
     input[0][4] = -std::numeric_limits<float>::infinity();
