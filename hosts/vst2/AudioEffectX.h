@@ -81,6 +81,8 @@ public:
     AEffEditor* getEditor() const noexcept { return editor_.get(); }
 
 protected:
+    VstInt32 getNumInputs() const noexcept { return effect_.numInputs; }
+    VstInt32 getNumOutputs() const noexcept { return effect_.numOutputs; }
     void setNumInputs(VstInt32 channels) noexcept { effect_.numInputs = channels; }
     void setNumOutputs(VstInt32 channels) noexcept { effect_.numOutputs = channels; }
     void setUniqueID(VstInt32 identifier) noexcept { effect_.uniqueID = identifier; }
@@ -111,7 +113,7 @@ protected:
         return reinterpret_cast<const VstTimeInfo*>(AskHost(audioMasterGetTime, 0, fields));
     }
     bool sendVstEventsToHost(VstEvents& events);
-    /// The host reads channel counts and delay anew. [main]
+    /// The host reads channel counts and delay anew; false when it says that it does not. [main]
     bool ioChanged();
     bool sizeWindow(VstInt32 width, VstInt32 height);
     bool updateDisplay();

@@ -55,7 +55,9 @@ public:
 
     bool getInputProperties(VstInt32 index, VstPinProperties* properties) override;
     bool getOutputProperties(VstInt32 index, VstPinProperties* properties) override;
-    /// Takes at most the channels that the plug-in was made with. [main]
+    /// Takes at most the channels that the plug-in was made with. The host finds the new counts in
+    /// its record and is told; one that does not follow keeps its old ones and gets a copy of the
+    /// last channel in those that the plug-in has no more. [main]
     bool setSpeakerArrangement(const VstSpeakerArrangement* input,
                                const VstSpeakerArrangement* output) override;
 
@@ -89,6 +91,7 @@ private:
 
     void SetUp(VstInt32 uniqueID);
     void SetUpChannels();
+    void TellChannels(const MBusLayout& layout);
     bool FillPin(VstInt32 index, int channelCount, VstPinProperties& pin) const;
     int CreatedChannelsPerBus() const noexcept { return created_.outputs; }
 
@@ -101,6 +104,7 @@ private:
     [[gnu::always_inline]] inline void PerformProcessing(float** inputs, float** outputs,
                                                          VstInt32 frames, bool replacing);
     [[gnu::always_inline]] inline void PrepareProcessing();
+    [[gnu::cold]] void FillSurplus(float* const* outputs, VstInt32 frames) const;
     [[gnu::cold]] void DeliverQueuedMIDIEvents();
     [[gnu::cold]] void SendQueuedMIDIEvents();
 
@@ -111,6 +115,7 @@ private:
     bool wantsHostTime_ = false;
     std::atomic<bool> hasIncoming_{false};
     std::atomic<bool> hasOutgoing_{false};
+    bool hasSurplus_ = false;  // the host counts more outputs than the plug-in has
     MVSTTransport transport_;
 
     MBusLayout created_;    // the widest that the host may ask for

@@ -2,6 +2,7 @@
 #include "core/MGuard.h"
 #include "hosts/vst2/MAudioPluginVSTAdapter.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstring>
@@ -56,8 +57,10 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
         if (hasIncoming_.load(std::memory_order_acquire)) DeliverQueuedMIDIEvents();
         if (replacing) {
             plugin_->Process(inputs, outputs, frames);
+            if (hasSurplus_) [[unlikely]]
+                FillSurplus(outputs, frames);
         } else {
-            accumulator_.Process(*plugin_, inputs, outputs, frames);
+            accumulator_.Process(*plugin_, inputs, outputs, getNumOutputs(), frames);
         }
         if (hasOutgoing_.load(std::memory_order_acquire)) SendQueuedMIDIEvents();
     });
@@ -71,6 +74,19 @@ void MAudioPluginVSTAdapter::PrepareProcessing() {
     const VstTimeInfo* time = getTimeInfo(MVSTTransport::kFields);
     if (time != nullptr) [[likely]]
         transport_.Update(*time, plugin_->Transport());
+}
+
+void MAudioPluginVSTAdapter::FillSurplus(float* const* outputs, VstInt32 frames) const {
+    const int own = plugin_->OutputChannelCount();
+    const float* const last = outputs[own - 1];
+    for (int channel = own; channel < getNumOutputs(); ++channel) {
+        if (outputs[channel] == nullptr) continue;
+        if (last != nullptr) {
+            std::copy_n(last, frames, outputs[channel]);
+        } else {
+            std::fill_n(outputs[channel], frames, 0.0f);
+        }
+    }
 }
 
 void MAudioPluginVSTAdapter::DeliverQueuedMIDIEvents() {

@@ -103,8 +103,25 @@ bool MAudioPluginVSTAdapter::setSpeakerArrangement(const VstSpeakerArrangement* 
             layout.inputs = std::min<int>(input->numChannels, width);
         }
         layout.outputs = output == nullptr ? 1 : std::clamp<int>(output->numChannels, 1, width);
-        return plugin_->SetBusLayout(layout);
+        const MBusLayout before = plugin_->BusLayout();
+        if (!plugin_->SetBusLayout(layout)) return false;
+        if (layout != before) TellChannels(layout);
+        return true;
     });
+}
+
+// A host that does not follow goes on handing over, and reading, as many channels as before. More
+// channels than before are what it has just asked for.
+void MAudioPluginVSTAdapter::TellChannels(const MBusLayout& layout) {
+    const VstInt32 inputs = getNumInputs();
+    const VstInt32 outputs = getNumOutputs();
+    setNumInputs(layout.inputs);
+    setNumOutputs(layout.outputs);
+    if (!ioChanged()) {
+        setNumInputs(std::max(inputs, layout.inputs));
+        setNumOutputs(std::max(outputs, layout.outputs));
+    }
+    hasSurplus_ = getNumOutputs() > layout.outputs;
 }
 
 }  // namespace Vst2

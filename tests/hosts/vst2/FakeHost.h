@@ -33,6 +33,7 @@ public:
             const auto* list = static_cast<const Vst2::VstEvents*>(pointer);
             for (int i = 0; i < list->numEvents; ++i) host.events.push_back(*list->events[i]);
         }
+        if (opcode == Vst2::audioMasterIOChanged) return host.followsChanges ? 1 : 0;
         return 0;
     }
 
@@ -42,6 +43,7 @@ public:
     }
 
     int version = 2400;
+    bool followsChanges = true;  // of channels, in the plug-in's record
     std::optional<Vst2::VstTimeInfo> time;
     std::vector<std::pair<int, Vst2::VstIntPtr>> asked;  // opcode; value, or index of automation
     std::vector<Vst2::VstEvent> events;

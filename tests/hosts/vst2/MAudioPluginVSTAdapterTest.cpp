@@ -137,6 +137,32 @@ TEST_F(MAudioPluginVSTAdapterTest, TakesMonoAndGoesBackToStereo) {
     EXPECT_STREQ(pin.label, "Right");
 }
 
+TEST_F(MAudioPluginVSTAdapterTest, FillsEveryOutputThatTheHostCountsAfterAChangeOfChannels) {
+    VstSpeakerArrangement mono = {kSpeakerArrMono, 1, {}};
+    VstSpeakerArrangement stereo = {kSpeakerArrStereo, 2, {}};
+    for (const bool follows : {true, false}) {
+        const AEffect& made = Make();
+        const int told = host.Count(audioMasterIOChanged);
+        host.followsChanges = follows;
+        Call(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&mono), &mono);
+        EXPECT_EQ(host.Count(audioMasterIOChanged), told + 1);
+        EXPECT_EQ(made.numInputs, follows ? 1 : 2);
+        EXPECT_EQ(made.numOutputs, follows ? 1 : 2);
+        float left[2] = {5, 6}, right[2] = {70, 80};
+        float* samples[] = {left, follows ? nullptr : right};  // in place
+        made.processReplacing(effect, samples, samples, 2);
+        EXPECT_THAT(left, ElementsAre(6, 7));
+        EXPECT_EQ(right[1], follows ? 80 : 7);
+        made.process(effect, nullptr, samples, 2);
+        EXPECT_THAT(left, ElementsAre(7, 8));
+        EXPECT_EQ(right[1], follows ? 80 : 8);
+        Call(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&stereo), &stereo);
+        EXPECT_EQ(made.numOutputs, 2);
+        made.processReplacing(effect, nullptr, samples, 2);
+        EXPECT_EQ(right[1], follows ? 80 : 1);
+    }
+}
+
 TEST_F(MAudioPluginVSTAdapterTest, ReplacesOrAddsWithoutTakingMemory) {
     const AEffect& made = Make();
     float in[2][4] = {{1, 2, 3, 4}, {5, 6, 7, 8}};
