@@ -40,6 +40,7 @@ public:
     void processReplacing(float** inputs, float** outputs, VstInt32 frames) override;
     VstInt32 processEvents(const VstEvents* events) override;
 
+    /// An index that no parameter has is ignored, read as 0 and has empty texts. [any]
     void setParameter(VstInt32 index, float value) override;
     float getParameter(VstInt32 index) override;
     /// The parameter's short key, not its long name: hosts have room for little. [main]
@@ -92,6 +93,7 @@ private:
     void SetUp(VstInt32 uniqueID);
     void SetUpChannels();
     void TellChannels(const MBusLayout& layout);
+    bool IsParameter(VstInt32 index) const noexcept;
     bool FillPin(VstInt32 index, int channelCount, VstPinProperties& pin) const;
     int CreatedChannelsPerBus() const noexcept { return created_.outputs; }
 

@@ -7,44 +7,55 @@ namespace Vst2 {
 
 namespace {
 
-/// Hosts' indices and the plug-in's identifiers are the same numbers; the plug-in knows what to do
-/// with one that no parameter has.
+/// Hosts' indices and the plug-in's identifiers are the same numbers.
 std::uint32_t Identifier(VstInt32 index) noexcept { return static_cast<std::uint32_t>(index); }
 
 }  // namespace
 
+// The plug-in answers for any number, by the nearest parameter; a host that asks for an index that
+// no parameter has means none.
+bool MAudioPluginVSTAdapter::IsParameter(VstInt32 index) const noexcept {
+    return index >= 0 && index < plugin_->ParameterCount();
+}
+
 void MAudioPluginVSTAdapter::setParameter(VstInt32 index, float value) {
     Guard("MAudioPluginVSTAdapter::setParameter", [&] {
-        if (isSetUp_) plugin_->SetParameter(Identifier(index), static_cast<double>(value), false);
+        if (!isSetUp_ || !IsParameter(index)) return;
+        plugin_->SetParameter(Identifier(index), static_cast<double>(value), false);
     });
 }
 
 float MAudioPluginVSTAdapter::getParameter(VstInt32 index) {
-    return Guard("MAudioPluginVSTAdapter::getParameter", 0.0f,
-                 [&] { return static_cast<float>(plugin_->GetParameter(Identifier(index))); });
+    return Guard("MAudioPluginVSTAdapter::getParameter", 0.0f, [&] {
+        if (!IsParameter(index)) return 0.0f;
+        return static_cast<float>(plugin_->GetParameter(Identifier(index)));
+    });
 }
 
 void MAudioPluginVSTAdapter::getParameterName(VstInt32 index, char* text) {
     Guard("MAudioPluginVSTAdapter::getParameterName", [&] {
+        if (!IsParameter(index)) return;
         CopyText(plugin_->GetParameterID(Identifier(index)), kLongestParameterText, text);
     });
 }
 
 void MAudioPluginVSTAdapter::getParameterDisplay(VstInt32 index, char* text) {
     Guard("MAudioPluginVSTAdapter::getParameterDisplay", [&] {
+        if (!IsParameter(index)) return;
         CopyText(plugin_->GetParameterValueName(Identifier(index)), kLongestParameterText, text);
     });
 }
 
 void MAudioPluginVSTAdapter::getParameterLabel(VstInt32 index, char* text) {
     Guard("MAudioPluginVSTAdapter::getParameterLabel", [&] {
+        if (!IsParameter(index)) return;
         CopyText(plugin_->GetParameterUnitsName(Identifier(index)), kLongestParameterText, text);
     });
 }
 
 bool MAudioPluginVSTAdapter::string2parameter(VstInt32 index, const char* text) {
     return Guard("MAudioPluginVSTAdapter::string2parameter", false, [&] {
-        if (index < 0 || index >= plugin_->ParameterCount()) return false;
+        if (!IsParameter(index)) return false;
         if (text == nullptr) return true;
         const std::uint32_t identifier = Identifier(index);
         ParameterDefinition* record = plugin_->Parameters().Find(identifier).parameter->Record();

@@ -99,12 +99,15 @@ TEST_F(Library, SurvivesHostsThatAskNonsense) {
             host.Call(static_cast<VstEffectOpcode>(opcode), index);
         }
     }
-    char text[256];
-    for (const int index : {-1, host.ParameterCount(), 1 << 30}) {
-        host.SetParameter(index, 0.5f);
-        EXPECT_TRUE(std::isfinite(host.GetParameter(index)));
+    const auto before = host.SaveState();
+    for (const int index : {-1, host.ParameterCount(), 99999, std::numeric_limits<int>::min()}) {
+        for (const float position : {0.0f, 1.0f}) {
+            host.SetParameter(index, position);
+            EXPECT_EQ(host.SaveState(), before) << index;
+        }
+        EXPECT_EQ(host.GetParameter(index), 0);
         for (const auto opcode : {effGetParamName, effGetParamDisplay, effGetParamLabel}) {
-            host.Call(opcode, index, 0, text);
+            EXPECT_EQ(host.Text(opcode, index), "");
         }
         EXPECT_FALSE(host.SetParameterText(index, "1"));
     }
