@@ -12,6 +12,13 @@
 
 namespace Vst2 {
 
+/// The thread that a call of the host's comes from, as far as the call itself tells.
+enum class VstCaller {
+    Main,     ///< it takes memory and waits, so that no host makes it where blocks run
+    Unknown,  ///< a question, which hosts ask on any thread
+    Audio,    ///< it goes with the blocks
+};
+
 /// A VST 2.4 plug-in as its host drives it: the record with the plain functions, the way from an
 /// opcode to a virtual operation, and the requests to the host. Operations that are not overridden
 /// give the interface's usual answers. The host destroys the object by closing it.
@@ -43,9 +50,8 @@ public:
     /// Blocks are [channels][frames]; the first adds to the outputs. [audio]
     virtual void process(float** inputs, float** outputs, VstInt32 frames) = 0;
     virtual void processReplacing(float** inputs, float** outputs, VstInt32 frames) = 0;
-    /// The host has made a call and got its answer. `mayBeAudio` says whether it is one that hosts
-    /// make on the audio thread as well; which thread this is, the call does not tell. [any]
-    virtual void dispatched(bool /*mayBeAudio*/) {}
+    /// The host has made a call and is about to get its answer. [any]
+    virtual void dispatched(VstCaller /*caller*/) {}
     /// Events of the next block; answers 1. [audio]
     virtual VstInt32 processEvents(const VstEvents* events);
 

@@ -23,19 +23,26 @@ VstIntPtr WriteText(void* pointer, Job&& job) {
     return job(text);
 }
 
-/// Calls whose own work locks and takes memory, so that no host makes them where blocks wait.
-bool IsNoneOfTheAudioThread(VstInt32 opcode) noexcept {
+VstCaller CallerOf(VstInt32 opcode) noexcept {
     switch (opcode) {
         case effSetSampleRate:
         case effMainsChanged:
+        case effSetSpeakerArrangement:
+        case effEditGetRect:
         case effEditOpen:
         case effEditClose:
         case effEditIdle:
+        case effEditKeyDown:
+        case effEditKeyUp:
         case effGetChunk:
         case effSetChunk:
-            return true;
+            return VstCaller::Main;
+        case effProcessEvents:
+        case effStartProcess:
+        case effStopProcess:
+            return VstCaller::Audio;
         default:
-            return false;
+            return VstCaller::Unknown;
     }
 }
 
@@ -62,7 +69,7 @@ VstIntPtr AudioEffectX::Dispatch(AEffect* effect, VstInt32 opcode, VstInt32 inde
     for (const Subject subject : kSubjects) {
         if ((answer = (self.*subject)(call))) break;
     }
-    self.dispatched(!IsNoneOfTheAudioThread(opcode));
+    self.dispatched(CallerOf(opcode));
     return answer.value_or(0);
 }
 

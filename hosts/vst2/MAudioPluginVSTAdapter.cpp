@@ -118,15 +118,16 @@ void MAudioPluginVSTAdapter::ReportLatency() {
 
 template <class Tell>
 void MAudioPluginVSTAdapter::TellHost(std::atomic<bool>& waits, Tell&& tell) {
-    if (IsAtHome()) {
+    if (IsAtHome() && !isInBlock_.load(std::memory_order_relaxed)) {
         tell();
     } else {
         waits.store(true);
     }
 }
 
-void MAudioPluginVSTAdapter::dispatched(bool mayBeAudio) {
-    if (mayBeAudio && !IsAtHome()) return;
+void MAudioPluginVSTAdapter::dispatched(VstCaller caller) {
+    if (caller == VstCaller::Main) homeThread_.store(std::this_thread::get_id());
+    if (caller == VstCaller::Audio || !IsAtHome()) return;
     Guard("MAudioPluginVSTAdapter::dispatched", [&] {
         if (IsTimeForMoves()) plugin_->ReportMovedParameters();
         if (latencyWaits_.exchange(false)) ioChanged();

@@ -68,17 +68,18 @@ public:
     VstInt32 getVendorVersion() override { return 1; }
     VstInt32 canDo(const char* text) override;
     /// Tells the host what has waited for that: changes that other threads have made, parameters
-    /// that MIDI or MultiParameters have moved, and writes out failures. After calls that may be
-    /// the audio thread's it does so only on the thread that the host made the plug-in on; after
-    /// the others on any, for hosts that never come back on that one. [any]
-    void dispatched(bool mayBeAudio) override;
+    /// that MIDI or MultiParameters have moved, and writes out failures. It does so at home only:
+    /// on the thread that the host made the plug-in on or, since hosts end such threads, has made
+    /// its last call on that none makes where blocks run. After a call that goes with the blocks
+    /// the host is told nothing. [any]
+    void dispatched(VstCaller caller) override;
 
     void SendBypassAutomation(bool on) override;
     void GenerateMIDIEvent(int deltaFrames, const std::array<std::uint8_t, 4>& data) override;
-    /// This and ReportParameterChanges reach the host at once on the thread that it made the
-    /// plug-in on; from any other, such as the one that loads presets, with the host's next call
-    /// for which `dispatched` does so: a host may wait for its own thread when it is told
-    /// something. [any]
+    /// This and ReportParameterChanges reach the host at once at home, unless a block is running;
+    /// from any other thread, such as the one that loads presets, with the host's next call after
+    /// which `dispatched` tells it: a host may wait for its own thread when it is told something.
+    /// [any]
     void ReportLatency() override;
     void ChangeEditorSize(int width, int height) override;
     void SendParameterAutomation(std::uint32_t identifier, double x) override;
@@ -97,7 +98,7 @@ private:
     bool FillPin(VstInt32 index, int channelCount, VstPinProperties& pin) const;
     int CreatedChannelsPerBus() const noexcept { return created_.outputs; }
 
-    bool IsAtHome() const noexcept { return std::this_thread::get_id() == homeThread_; }
+    bool IsAtHome() const noexcept { return std::this_thread::get_id() == homeThread_.load(); }
     bool IsTimeForMoves() noexcept;
     template <class Tell>
     void TellHost(std::atomic<bool>& waits, Tell&& tell);
@@ -117,13 +118,14 @@ private:
     bool wantsHostTime_ = false;
     std::atomic<bool> hasIncoming_{false};
     std::atomic<bool> hasOutgoing_{false};
-    bool hasSurplus_ = false;  // the host counts more outputs than the plug-in has
+    std::atomic<bool> isInBlock_{false};  // or in its events; home may be the thread that runs it
+    bool hasSurplus_ = false;             // the host counts more outputs than the plug-in has
     MVSTTransport transport_;
 
     MBusLayout created_;    // the widest that the host may ask for
     bool isSetUp_ = false;  // before that, hosts write parameters that they have not read yet
     std::vector<std::uint8_t> lastChunk_;  // the host reads it after getChunk has returned
-    const std::thread::id homeThread_ = std::this_thread::get_id();
+    std::atomic<std::thread::id> homeThread_{std::this_thread::get_id()};
     std::atomic<bool> latencyWaits_{false};  // to be told to the host
     std::atomic<bool> changesWait_{false};
     std::atomic<Clock::duration> lastMoves_{};   // when the plug-in was last asked for moves

@@ -53,6 +53,7 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
                                                bool replacing) {
     if (frames <= 0 || outputs == nullptr) return;
     Guard("MAudioPluginVSTAdapter::PerformProcessing", [&] {
+        isInBlock_.store(true, std::memory_order_relaxed);
         PrepareProcessing();
         if (hasIncoming_.load(std::memory_order_acquire)) DeliverQueuedMIDIEvents();
         if (replacing) {
@@ -64,6 +65,7 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
         }
         if (hasOutgoing_.load(std::memory_order_acquire)) SendQueuedMIDIEvents();
     });
+    isInBlock_.store(false, std::memory_order_relaxed);
 }
 
 void MAudioPluginVSTAdapter::PrepareProcessing() {
@@ -103,6 +105,7 @@ void MAudioPluginVSTAdapter::SendQueuedMIDIEvents() {
 VstInt32 MAudioPluginVSTAdapter::processEvents(const VstEvents* events) {
     Guard("MAudioPluginVSTAdapter::processEvents", [&] {
         if (events == nullptr || events->numEvents <= 0) return;
+        isInBlock_.store(true, std::memory_order_relaxed);
         const VstTimeInfo* time = getTimeInfo(MVSTTransport::kPositionFields);
         if (time != nullptr) transport_.UpdatePosition(*time, plugin_->Transport());
         VstEvent* const* const list = events->events;
@@ -113,6 +116,7 @@ VstInt32 MAudioPluginVSTAdapter::processEvents(const VstEvents* events) {
             plugin_->ProcessMIDIEvent(event.deltaFrames, MidiBytes(event));
         }
     });
+    isInBlock_.store(false, std::memory_order_relaxed);
     return 1;
 }
 

@@ -77,9 +77,11 @@ public:
             }
         }
         if (sends) Host()->GenerateMIDIEvent(frames - 1, {0x90, 60, 100, 0});
+        if (reports) Report();
     }
     void ProcessMIDIEvent(int frame, const std::array<std::uint8_t, 4>& data) override {
         heard.emplace_back(frame, data[1]);
+        if (reports) Report();
     }
     bool ReceivesMIDI() const noexcept override { return true; }
     bool WantsHostTime() const noexcept override { return true; }
@@ -93,11 +95,16 @@ public:
     int askedForMoves = 0;
     bool throws = false;
     bool sends = false;
+    bool reports = false;
     bool hasEditor = false;
     std::vector<std::pair<int, int>> heard;
     std::string editorCalls;
 
 private:
+    void Report() {
+        Host()->ReportLatency();
+        Host()->ReportParameterChanges();
+    }
     int Width() const override { return 640; }
     int Height() const override { return 4; }
     bool Open(void* parent) override {

@@ -265,6 +265,36 @@ TEST_F(MAudioPluginVSTAdapterTest, TellsTheHostOfChanges) {
     EXPECT_EQ(effect->getParameter(effect, 0), 0.5f);
 }
 
+TEST_F(MAudioPluginVSTAdapterTest, TellsTheHostNothingInBlocksAndFollowsItToAnotherThread) {
+    const auto told = [&] {
+        return std::pair(host.Count(audioMasterIOChanged), host.Count(audioMasterUpdateDisplay));
+    };
+    VstMidiEvent note = MakeMidiEvent(0, {0x90, 42, 1, 0});
+    VstEvents events = {1, 0, {reinterpret_cast<VstEvent*>(&note)}};
+    float samples[2] = {};
+    float* outputs[] = {samples, samples};
+    const auto play = [&] {
+        probe->reports = true;
+        Call(effStartProcess);
+        Call(effProcessEvents, 0, 0, &events);
+        effect->processReplacing(effect, outputs, outputs, 2);
+        Call(effStopProcess);
+        probe->reports = false;
+    };
+    std::thread([&] { Make(); }).join();
+    std::thread(play).join();  // the identifier is as good as always that of the thread before
+    EXPECT_EQ(told(), std::pair(1, 0));
+    Call(effGetVstVersion);
+    EXPECT_EQ(told(), std::pair(1, 0)) << "the host may be about to run a block here";
+    void* chunk = nullptr;
+    Call(effGetChunk, 0, 0, &chunk);
+    EXPECT_EQ(told(), std::pair(2, 1));
+    play();
+    EXPECT_EQ(told(), std::pair(2, 1));
+    Call(effGetVstVersion);
+    EXPECT_EQ(told(), std::pair(3, 2));
+}
+
 TEST_F(MAudioPluginVSTAdapterTest, OffersTheEditorThatThePluginHas) {
     auto plugin = std::make_unique<ProbePlugin>();
     plugin->hasEditor = true;
