@@ -13,7 +13,9 @@
 namespace Vst2 {
 
 /// Takes over what a host says about its transport. Numbers that cannot be meant (not finite, a
-/// tempo or a time signature of nothing) leave what was known before. One thread only.
+/// tempo or a time signature of nothing) leave what was known before. Hosts are to flag the fields
+/// that they have filled, but some that fill all flag none: a field without a flag counts when it
+/// holds what a song may have, since it may as well hold anything. One thread only.
 class MVSTTransport {
 public:
     /// What Update wants of the host.
@@ -47,10 +49,10 @@ private:
     /// What hardly ever changes while a song plays, as the host has it, bit by bit: one comparison
     /// tells that there is nothing to look at. A block finds little of this code in the processor's
     /// caches, so every instruction that it can do without counts.
-    using Song = std::array<std::uint64_t, 5>;
+    using Song = std::array<std::uint64_t, 6>;
     static constexpr std::uint64_t kNaN = ~std::uint64_t{0};
     /// None that a host could mean: nothing in it is a number, the signature is -1 / -1.
-    static constexpr Song kNoSong = {kNaN, kNaN, kNaN, kNaN, kNaN};
+    static constexpr Song kNoSong = {kNaN, kNaN, kNaN, kNaN, kNaN, kNaN};
 
     static Song SongOf(const VstTimeInfo& time) noexcept {
         return {std::bit_cast<std::uint64_t>(time.tempo),
@@ -58,7 +60,8 @@ private:
                 std::bit_cast<std::uint64_t>(time.cycleStartPos),
                 std::bit_cast<std::uint64_t>(time.cycleEndPos),
                 std::bit_cast<std::uint64_t>(
-                    std::array{time.timeSigNumerator, time.timeSigDenominator})};
+                    std::array{time.timeSigNumerator, time.timeSigDenominator}),
+                static_cast<std::uint64_t>(time.flags & kValidFields)};
     }
     bool IsSameSong(const VstTimeInfo& time) const noexcept {
         const Song song = SongOf(time);
@@ -77,7 +80,11 @@ private:
         transport.hasJumped = hasJumped;
         transport.isValid = true;
     }
+    static void UpdateCycle(const VstTimeInfo& time, MTransport& transport) noexcept;
     [[gnu::cold]] void UpdateAll(const VstTimeInfo& time, MTransport& transport) noexcept;
+
+    static constexpr VstInt32 kValidFields =
+        kVstPpqPosValid | kVstTempoValid | kVstBarsValid | kVstCyclePosValid | kVstTimeSigValid;
 
     double lastPosition_ = 0;  // quarter notes, of the last block that played
     Song song_ = kNoSong;

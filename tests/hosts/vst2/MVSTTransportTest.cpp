@@ -59,6 +59,43 @@ TEST(MVSTTransport, TellsPlayingFromJumpingAndStopping) {
     EXPECT_EQ(transport.tempo, 90);
 }
 
+TEST(MVSTTransport, TakesAFieldThatTheHostHasNotFlaggedOnlyWhenASongMayHaveIt) {
+    MVSTTransport reader;
+    MTransport transport;
+    VstTimeInfo time = {};
+    const auto update = [&](int flags) {
+        time.flags = flags;
+        reader.Update(time, transport);
+    };
+    update(0);
+    EXPECT_EQ(transport.tempo, 120);
+    EXPECT_EQ(transport.signatureDenominator, 4);
+    time = Playing(1);
+    time.cycleEndPos = 4;
+    update(0);
+    time.tempo = 1000;
+    time.barStartPos = time.cycleEndPos = -1e6;
+    time.timeSigNumerator = 65;
+    for (const double position : {-1e6, 1.0}) {
+        time.ppqPos = position;
+        update(0);
+        EXPECT_EQ(transport.tempo, 90);
+        EXPECT_EQ(transport.songPosition, 1);
+        EXPECT_EQ(transport.barStart, 2.5);
+        EXPECT_EQ(transport.cycleEnd, 4);
+        EXPECT_EQ(transport.signatureNumerator, 6);
+    }
+    for (const double position : {1.0, -1e6}) {
+        time.ppqPos = position;
+        update(MVSTTransport::kFields & ~kVstTransportPlaying);
+        EXPECT_EQ(transport.tempo, 1000);
+        EXPECT_EQ(transport.songPosition, position);
+        EXPECT_EQ(transport.barStart, -1e6);
+        EXPECT_EQ(transport.cycleEnd, -1);
+        EXPECT_EQ(transport.signatureNumerator, 65);
+    }
+}
+
 TEST(MVSTTransport, HasACycleOnlyWhenItHasALength) {
     const double infinity = std::numeric_limits<double>::infinity();
     const double rows[][3] = {{4, 8, 4}, {4, 4, -1}, {8, 4, -1}, {4, infinity, -1}};
