@@ -86,7 +86,9 @@ void MAudioPluginVSTAdapter::setSampleRate(float rate) {
         // Hosts probe with nonsense; the plug-in keeps the last usable rate.
         if (!(rate >= kHighestProbeRate && rate < kHighestRate)) return;
         const int rounded = static_cast<int>(std::floor(static_cast<double>(rate) + 0.5));
-        if (plugin_->SetSampleRate(rounded)) plugin_->InitProcessing();
+        if (!plugin_->SetSampleRate(rounded)) return;
+        transport_.SetSampleRate(rounded);
+        plugin_->InitProcessing();
     });
 }
 

@@ -106,7 +106,7 @@ private:
     static void ReplaceBlock(AEffect* effect, float** inputs, float** outputs, VstInt32 frames);
     [[gnu::always_inline]] inline void PerformProcessing(float** inputs, float** outputs,
                                                          VstInt32 frames, bool replacing);
-    [[gnu::always_inline]] inline void PrepareProcessing();
+    [[gnu::always_inline]] inline void PrepareProcessing(VstInt32 frames);
     [[gnu::cold]] void FillSurplus(float* const* outputs, VstInt32 frames) const;
     [[gnu::cold]] void DeliverQueuedMIDIEvents();
     [[gnu::cold]] void SendQueuedMIDIEvents();

@@ -54,7 +54,7 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
     if (frames <= 0 || outputs == nullptr) return;
     Guard("MAudioPluginVSTAdapter::PerformProcessing", [&] {
         isInBlock_.store(true, std::memory_order_relaxed);
-        PrepareProcessing();
+        PrepareProcessing(frames);
         if (hasIncoming_.load(std::memory_order_acquire)) DeliverQueuedMIDIEvents();
         if (replacing) {
             plugin_->Process(inputs, outputs, frames);
@@ -68,14 +68,14 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
     isInBlock_.store(false, std::memory_order_relaxed);
 }
 
-void MAudioPluginVSTAdapter::PrepareProcessing() {
+void MAudioPluginVSTAdapter::PrepareProcessing(VstInt32 frames) {
     if (!wantsHostTime_) [[unlikely]] {
         plugin_->Transport().isValid = true;
         return;
     }
     const VstTimeInfo* time = getTimeInfo(MVSTTransport::kFields);
     if (time != nullptr) [[likely]]
-        transport_.Update(*time, plugin_->Transport());
+        transport_.Update(*time, frames, plugin_->Transport());
 }
 
 void MAudioPluginVSTAdapter::FillSurplus(float* const* outputs, VstInt32 frames) const {

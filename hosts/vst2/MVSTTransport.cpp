@@ -65,7 +65,7 @@ void MVSTTransport::UpdateCycle(const VstTimeInfo& time, MTransport& transport) 
     transport.cycleEnd = hasCycle ? time.cycleEndPos : -1.0;
 }
 
-void MVSTTransport::UpdateAll(const VstTimeInfo& time, MTransport& transport) noexcept {
+void MVSTTransport::UpdateAll(const VstTimeInfo& time, int frames, MTransport& transport) noexcept {
     UpdatePosition(time, transport);
     UpdateCycle(time, transport);
     song_ = SongOf(time);
@@ -73,6 +73,9 @@ void MVSTTransport::UpdateAll(const VstTimeInfo& time, MTransport& transport) no
     const double moved = transport.songPosition - lastPosition_;
     const bool hasJumped = IsOn(time) && moved * moved > kLongestMove * kLongestMove;
     SetPlaying(IsOn(time), hasJumped, transport);
+    if (!IsOn(time) || !IsLong(frames, transport)) return;
+    const double perQuarter = longFrames_.load(std::memory_order_relaxed) / kLongestMove;
+    lastPosition_ += frames * transport.tempo / perQuarter;
 }
 
 }  // namespace Vst2

@@ -6,6 +6,7 @@
 #include "plugin/MTransport.h"
 
 #include <array>
+#include <atomic>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -27,13 +28,19 @@ public:
     static constexpr VstInt32 kPositionFields =
         kVstPpqPosValid | kVstTempoValid | kVstBarsValid | kVstTimeSigValid;
 
-    /// Everything, at the start of a block. A move of more than two quarter notes while playing is
-    /// a jump; the block that jumps leaves the playing state as it was. [audio]
-    void Update(const VstTimeInfo& time, MTransport& transport) noexcept {
+    /// The rate of the blocks to come, in hertz. [any]
+    void SetSampleRate(int sampleRate) noexcept {
+        longFrames_.store(kLongestMove * kSecondsPerMinute * sampleRate, std::memory_order_relaxed);
+    }
+
+    /// Everything, at the start of a block of `frames`. A move of more than two quarter notes while
+    /// playing is a jump; the block that jumps leaves the playing state as it was. After a block
+    /// that is longer than that itself, as in a render, the move counts from its end. [audio]
+    void Update(const VstTimeInfo& time, int frames, MTransport& transport) noexcept {
         const double moved = time.ppqPos - lastPosition_;
         const bool goesOn = moved * moved <= kLongestMove * kLongestMove;  // hence is finite
-        if (!goesOn || !IsSameSong(time)) [[unlikely]] {
-            UpdateAll(time, transport);
+        if (!goesOn || IsLong(frames, transport) || !IsSameSong(time)) [[unlikely]] {
+            UpdateAll(time, frames, transport);
             return;
         }
         transport.songPosition = time.ppqPos;
@@ -45,6 +52,7 @@ public:
 
 private:
     static constexpr double kLongestMove = 2.0;  // quarter notes between blocks without a jump
+    static constexpr double kSecondsPerMinute = 60;
 
     /// What hardly ever changes while a song plays, as the host has it, bit by bit: one comparison
     /// tells that there is nothing to look at. A block finds little of this code in the processor's
@@ -72,6 +80,9 @@ private:
     static bool IsOn(const VstTimeInfo& time) noexcept {
         return (time.flags & kVstTransportPlaying) != 0;
     }
+    bool IsLong(int frames, const MTransport& transport) const noexcept {
+        return frames * transport.tempo > longFrames_.load(std::memory_order_relaxed);
+    }
     void SetPlaying(bool isOn, bool hasJumped, MTransport& transport) noexcept {
         if (isOn) lastPosition_ = transport.songPosition;
         const bool isPlaying = hasJumped ? transport.isPlaying : isOn;
@@ -81,12 +92,15 @@ private:
         transport.isValid = true;
     }
     static void UpdateCycle(const VstTimeInfo& time, MTransport& transport) noexcept;
-    [[gnu::cold]] void UpdateAll(const VstTimeInfo& time, MTransport& transport) noexcept;
+    [[gnu::cold]] void UpdateAll(const VstTimeInfo& time, int frames,
+                                 MTransport& transport) noexcept;
 
     static constexpr VstInt32 kValidFields =
         kVstPpqPosValid | kVstTempoValid | kVstBarsValid | kVstCyclePosValid | kVstTimeSigValid;
 
-    double lastPosition_ = 0;  // quarter notes, of the last block that played
+    double lastPosition_ = 0;  // quarter notes: of the last block that played or, if long, its end
+    // Frames that last kLongestMove, times the tempo; at the rate of a host that sets none.
+    std::atomic<double> longFrames_{kLongestMove * kSecondsPerMinute * 44100};
     Song song_ = kNoSong;
 };
 

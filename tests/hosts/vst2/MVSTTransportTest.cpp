@@ -42,7 +42,7 @@ TEST(MVSTTransport, TellsPlayingFromJumpingAndStopping) {
     for (const auto& row : rows) {
         VstTimeInfo time = Playing(row.position);
         time.flags = row.flags;
-        reader.Update(time, transport);
+        reader.Update(time, 64, transport);
         EXPECT_EQ(transport.isPlaying, row.isPlaying) << row.position;
         EXPECT_EQ(transport.hasJumped, row.hasJumped) << row.position;
         EXPECT_EQ(transport.playStateChanged, row.changed) << row.position;
@@ -55,8 +55,29 @@ TEST(MVSTTransport, TellsPlayingFromJumpingAndStopping) {
     ofEvents.tempo = 99;
     reader.UpdatePosition(ofEvents, transport);
     EXPECT_EQ(transport.tempo, 99);
-    reader.Update(Playing(15), transport);
+    reader.Update(Playing(15), 64, transport);
     EXPECT_EQ(transport.tempo, 90);
+}
+
+TEST(MVSTTransport, CountsFromTheEndOfABlockLongerThanTwoQuarterNotes) {
+    MVSTTransport reader;
+    reader.SetSampleRate(48000);
+    MTransport transport;
+    constexpr int kQuarter = 32000;  // frames, at tempo 90
+    const struct {
+        double position;
+        int frames;
+        bool hasJumped;
+    } rows[] = {{0, 4 * kQuarter, false},    {4, 8 * kQuarter, false},
+                {12, 4 * kQuarter, false},   {12, 4 * kQuarter, true},
+                {18, 4 * kQuarter, false},   {24.1, 64, true},
+                {24.2, 2 * kQuarter, false}, {26.2, 64, false},
+                {26, 2 * kQuarter, false},   {28.1, 64, true}};
+    for (const auto& row : rows) {
+        reader.Update(Playing(row.position), row.frames, transport);
+        EXPECT_EQ(transport.hasJumped, row.hasJumped) << row.position;
+        EXPECT_TRUE(transport.isPlaying);
+    }
 }
 
 TEST(MVSTTransport, TakesAFieldThatTheHostHasNotFlaggedOnlyWhenASongMayHaveIt) {
@@ -65,7 +86,7 @@ TEST(MVSTTransport, TakesAFieldThatTheHostHasNotFlaggedOnlyWhenASongMayHaveIt) {
     VstTimeInfo time = {};
     const auto update = [&](int flags) {
         time.flags = flags;
-        reader.Update(time, transport);
+        reader.Update(time, 64, transport);
     };
     update(0);
     EXPECT_EQ(transport.tempo, 120);
@@ -104,7 +125,7 @@ TEST(MVSTTransport, HasACycleOnlyWhenItHasALength) {
         VstTimeInfo time = Playing(0);
         time.cycleStartPos = start;
         time.cycleEndPos = end;
-        MVSTTransport().Update(time, transport);
+        MVSTTransport().Update(time, 64, transport);
         EXPECT_EQ(transport.cycleStart, expected) << end;
         EXPECT_EQ(transport.cycleEnd, expected < 0 ? -1 : end) << end;
     }
@@ -114,13 +135,13 @@ TEST(MVSTTransport, KeepsWhatItKnewWhenTheHostTalksNonsense) {
     MTransport transport;
     const double nan = std::numeric_limits<double>::quiet_NaN();
     MVSTTransport reader;
-    reader.Update(Playing(1), transport);
+    reader.Update(Playing(1), 64, transport);
     for (const double wrong : {nan, 0.0, -5.0}) {
         VstTimeInfo time = Playing(nan);
         time.tempo = wrong;
         time.barStartPos = nan;
         time.timeSigNumerator = time.timeSigDenominator = 0;
-        reader.Update(time, transport);
+        reader.Update(time, 64, transport);
         EXPECT_EQ(transport.tempo, 90);
         EXPECT_EQ(transport.songPosition, 1);
         EXPECT_EQ(transport.barStart, 2.5);
