@@ -48,6 +48,11 @@ VstInt32 AudioEffectX::processEvents(const VstEvents* /*events*/) { return 0; }
 
 bool AudioEffectX::string2parameter(VstInt32 /*index*/, const char* /*text*/) { return false; }
 
+bool AudioEffectX::getParameterProperties(VstInt32 /*index*/,
+                                          VstParameterProperties* /*properties*/) {
+    return false;
+}
+
 VstInt32 AudioEffectX::getChunk(void** /*data*/, bool /*isPreset*/) { return 0; }
 VstInt32 AudioEffectX::setChunk(const void* /*data*/, VstInt32 /*byteSize*/, bool /*isPreset*/) {
     return 0;
@@ -75,6 +80,7 @@ bool AudioEffectX::getVendorString(char* /*text*/) { return false; }
 bool AudioEffectX::getProductString(char* /*text*/) { return false; }
 VstInt32 AudioEffectX::getVendorVersion() { return 0; }
 VstInt32 AudioEffectX::canDo(const char* /*text*/) { return 0; }
+VstInt32 AudioEffectX::getTailSize() { return 0; }
 
 VstPlugCategory AudioEffectX::getPlugCategory() const noexcept {
     return hasFlag(effFlagsIsSynth) ? kPlugCategSynth : kPlugCategUnknown;

@@ -62,6 +62,8 @@ public:
     virtual void getParameterLabel(VstInt32 index, char* text) = 0;
     /// Sets a parameter to a typed value. A null text asks whether it takes any. [main]
     virtual bool string2parameter(VstInt32 index, const char* text);
+    /// Whether there is something to say; only then anything is written. [any]
+    virtual bool getParameterProperties(VstInt32 index, VstParameterProperties* properties);
 
     /// The state's bytes, which stay valid until the next call; the result is their count. [main]
     virtual VstInt32 getChunk(void** data, bool isPreset);
@@ -83,6 +85,8 @@ public:
     VstPlugCategory getPlugCategory() const noexcept;
     /// 1 for yes, -1 for no, 0 for what it has never heard of. [any]
     virtual VstInt32 canDo(const char* text);
+    /// In samples: 1 for no tail, 0 for what is not known. [any]
+    virtual VstInt32 getTailSize();
 
     AEffEditor* getEditor() const noexcept { return editor_.get(); }
 

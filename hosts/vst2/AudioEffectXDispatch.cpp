@@ -143,6 +143,10 @@ AudioEffectX::Answer AudioEffectX::DispatchState(const Call& call) {
             return call.index >= 0 && call.index < effect_.numParams;
         case effString2Parameter:
             return string2parameter(call.index, static_cast<const char*>(call.pointer));
+        case effGetParameterProperties:
+            return call.pointer != nullptr &&
+                   getParameterProperties(call.index,
+                                          static_cast<VstParameterProperties*>(call.pointer));
         default:
             return std::nullopt;
     }
@@ -203,6 +207,8 @@ AudioEffectX::Answer AudioEffectX::DispatchIdentity(const Call& call) {
             return getVstVersion();
         case effCanDo:
             return call.pointer == nullptr ? 0 : canDo(static_cast<const char*>(call.pointer));
+        case effGetTailSize:
+            return getTailSize();
         default:
             return std::nullopt;
     }

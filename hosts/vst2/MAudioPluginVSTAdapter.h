@@ -48,6 +48,9 @@ public:
     void getParameterDisplay(VstInt32 index, char* text) override;
     void getParameterLabel(VstInt32 index, char* text) override;
     bool string2parameter(VstInt32 index, const char* text) override;
+    /// Tells of switches and of parameters that move in steps; there is nothing to say of others.
+    /// [any]
+    bool getParameterProperties(VstInt32 index, VstParameterProperties* properties) override;
 
     /// Programs and banks are the same bytes. [main]
     VstInt32 getChunk(void** data, bool isPreset) override;
@@ -67,6 +70,8 @@ public:
     bool getProductString(char* text) override;
     VstInt32 getVendorVersion() override { return 1; }
     VstInt32 canDo(const char* text) override;
+    /// An endless tail is the longest that there is. [any]
+    VstInt32 getTailSize() override;
     /// Tells the host what has waited for that: changes that other threads have made, parameters
     /// that MIDI or MultiParameters have moved, and writes out failures. It does so at home only:
     /// on the thread that the host made the plug-in on or, since hosts end such threads, has made

@@ -10,6 +10,23 @@ namespace {
 /// Hosts' indices and the plug-in's identifiers are the same numbers.
 std::uint32_t Identifier(VstInt32 index) noexcept { return static_cast<std::uint32_t>(index); }
 
+/// VstParameterFlags. Steps are never told as integers, from which some hosts conclude that
+/// positions are integers as well.
+VstInt32 FlagsOf(ParameterKind kind) noexcept {
+    switch (kind) {
+        case ParameterKind::Bool:
+        case ParameterKind::Group:
+            return kVstParameterIsSwitch;
+        case ParameterKind::Int:
+        case ParameterKind::Enum:
+            return kVstParameterUsesFloatStep;
+        case ParameterKind::Float:
+        case ParameterKind::Object:
+            break;
+    }
+    return 0;
+}
+
 }  // namespace
 
 // The plug-in answers for any number, by the nearest parameter; a host that asks for an index that
@@ -62,6 +79,25 @@ bool MAudioPluginVSTAdapter::string2parameter(VstInt32 index, const char* text) 
         if (record == nullptr || !record->ParseDisplayText(text)) return false;
         plugin_->SetParameter(identifier, plugin_->ParseParameterValueName(identifier, text),
                               false);
+        return true;
+    });
+}
+
+bool MAudioPluginVSTAdapter::getParameterProperties(VstInt32 index,
+                                                    VstParameterProperties* properties) {
+    return Guard("MAudioPluginVSTAdapter::getParameterProperties", false, [&] {
+        if (!IsParameter(index)) return false;
+        const std::uint32_t identifier = Identifier(index);
+        ParameterMainBase& parameter = *plugin_->Parameters().Find(identifier).parameter;
+        const ParameterDefinition* const record = parameter.Record();
+        const VstInt32 flags = record != nullptr ? FlagsOf(record->kind) : 0;
+        if (flags == 0 || !(record->maximum > record->minimum)) return false;
+        // Nothing behind the short label: the records of some hosts end there.
+        properties->flags = flags;
+        properties->stepFloat = static_cast<float>(1 / (record->maximum - record->minimum));
+        properties->smallStepFloat = properties->largeStepFloat = properties->stepFloat;
+        CopyText(plugin_->GetParameterID(identifier), kLongestParameterText, properties->label);
+        properties->shortLabel[0] = '\0';  // a key of seven characters would be no key
         return true;
     });
 }

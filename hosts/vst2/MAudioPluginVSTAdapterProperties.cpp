@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -34,6 +35,13 @@ VstInt32 MAudioPluginVSTAdapter::canDo(const char* text) {
         if (Contains(kAlways, asked)) return 1;
         // The plug-in fades its own bypass and keeps its latency; a host's would click.
         return asked == "bypass" ? -1 : 0;
+    });
+}
+
+VstInt32 MAudioPluginVSTAdapter::getTailSize() {
+    return Guard("MAudioPluginVSTAdapter::getTailSize", VstInt32{0}, [&] {
+        const VstInt32 tail = plugin_->GetTailLength();
+        return tail < 0 ? std::numeric_limits<VstInt32>::max() : std::max(tail, VstInt32{1});
     });
 }
 

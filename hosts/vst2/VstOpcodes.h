@@ -47,9 +47,9 @@ enum VstEffectOpcode : VstInt32 {
     effGetProductString = 48,       // pointer: text, 64 bytes
     effGetVendorVersion = 49,
     effVendorSpecific = 50,
-    effCanDo = 51,  // pointer: text
-    effGetTailSize = 52,
-    effGetParameterProperties = 56,
+    effCanDo = 51,                   // pointer: text
+    effGetTailSize = 52,             // answers samples: 1 for no tail, 0 for what is not known
+    effGetParameterProperties = 56,  // index, pointer: VstParameterProperties
     effGetVstVersion = 58,
 
     effEditKeyDown = 59,  // index: character, value: virtual key, number: modifiers
@@ -138,6 +138,13 @@ enum VstPinPropertiesFlags : VstInt32 {
     kVstPinIsActive = 1 << 0,
     kVstPinIsStereo = 1 << 1,
     kVstPinUseSpeaker = 1 << 2,
+};
+
+enum VstParameterFlags : VstInt32 {
+    kVstParameterIsSwitch = 1 << 0,
+    kVstParameterUsesIntegerMinMax = 1 << 1,
+    kVstParameterUsesFloatStep = 1 << 2,
+    kVstParameterUsesIntStep = 1 << 3,
 };
 
 enum VstSpeakerArrangementType : VstInt32 {

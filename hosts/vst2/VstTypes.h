@@ -135,6 +135,26 @@ struct VstKeyCode {
     unsigned char modifier;
 };
 
+/// Steps are distances between positions, which go from 0 to 1.
+struct VstParameterProperties {
+    float stepFloat;
+    float smallStepFloat;
+    float largeStepFloat;
+    char label[64];
+    VstInt32 flags;  ///< VstParameterFlags
+    VstInt32 minInteger;
+    VstInt32 maxInteger;
+    VstInt32 stepInteger;
+    VstInt32 largeStepInteger;
+    char shortLabel[8];
+    std::int16_t displayIndex;
+    std::int16_t category;
+    std::int16_t numParametersInCategory;
+    std::int16_t reserved;
+    char categoryLabel[24];
+    char future[16];
+};
+
 /// An editor's place, in pixels.
 struct ERect {
     std::int16_t top;
@@ -181,6 +201,10 @@ static_assert(sizeof(VstSpeakerProperties) == 112 && offsetof(VstSpeakerProperti
 static_assert(offsetof(VstSpeakerProperties, type) == 80);
 static_assert(sizeof(VstSpeakerArrangement) == 904 &&
               offsetof(VstSpeakerArrangement, speakers) == 8);
+static_assert(sizeof(VstParameterProperties) == 152);
+static_assert(offsetof(VstParameterProperties, flags) == 76);
+static_assert(offsetof(VstParameterProperties, shortLabel) == 96);
+static_assert(offsetof(VstParameterProperties, categoryLabel) == 112);
 static_assert(sizeof(VstKeyCode) == 8 && offsetof(VstKeyCode, virt) == 4);
 static_assert(sizeof(ERect) == 8 && offsetof(ERect, bottom) == 4);
 

@@ -86,12 +86,14 @@ public:
     bool ReceivesMIDI() const noexcept override { return true; }
     bool WantsHostTime() const noexcept override { return true; }
     int GetLatency() const noexcept override { return 77; }
+    int GetTailLength() const noexcept override { return tail; }
     void ReportMovedParameters() override { ++askedForMoves; }
     bool HasEditor() const noexcept override { return hasEditor; }
     MAudioPluginEditor* CreateEditor() override { return this; }
 
     int initialised = 0;
     int blocks = 0;
+    int tail = 0;
     int askedForMoves = 0;
     bool throws = false;
     bool sends = false;

@@ -11,6 +11,7 @@
 #include <limits>
 #include <memory>
 #include <random>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -69,6 +70,38 @@ TEST_F(Library, ShowsEveryParameterWholeAndReadsItsTextsBack) {
             ASSERT_TRUE(host.SetParameterText(i, shown)) << name << ": " << shown;
             ASSERT_NEAR(host.GetParameter(i), position, 1e-2f) << name << ": " << shown;
         }
+    }
+}
+
+TEST_F(Library, TellsTheStepsOfParametersThatHaveSome) {
+    MVst2Host host(entry);
+    for (int i = 0; i < host.ParameterCount(); ++i) {
+        const auto countTexts = [&](int steps) {
+            std::set<std::string> texts;
+            for (int step = 0; step <= steps; ++step) {
+                host.SetParameter(i, static_cast<float>(step) / static_cast<float>(steps));
+                texts.insert(host.Text(effGetParamDisplay, i));
+            }
+            return static_cast<int>(texts.size());
+        };
+        VstParameterProperties properties = {};
+        properties.displayIndex = 99;
+        const bool hasSteps = host.Call(effGetParameterProperties, i, 0, &properties) != 0;
+        const std::string name = host.Text(effGetParamName, i);
+        const int texts = countTexts(300);
+        ASSERT_EQ(hasSteps, texts < 50) << name;
+        if (!hasSteps) continue;
+        EXPECT_EQ(properties.label, name);
+        EXPECT_EQ(properties.displayIndex, 99) << "not every host's record has that";
+        const int steps = static_cast<int>(std::lround(1 / properties.stepFloat));
+        if (properties.flags == kVstParameterIsSwitch) {
+            EXPECT_EQ(steps, 1) << name;
+            EXPECT_LE(texts, 2) << name;  // one that goes off by itself has a single text
+            continue;
+        }
+        EXPECT_EQ(properties.flags, kVstParameterUsesFloatStep) << name;
+        EXPECT_EQ(texts, steps + 1) << name;
+        EXPECT_EQ(countTexts(steps), texts) << name;
     }
 }
 

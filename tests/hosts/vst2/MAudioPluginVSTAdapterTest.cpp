@@ -76,6 +76,12 @@ TEST_F(MAudioPluginVSTAdapterTest, SaysWhoItIs) {
                                                 {"Bypass", 0},
                                                 {"canMonO", 0}};
     for (const auto& [text, answer] : rows) EXPECT_EQ(CanDo(text), answer) << text;
+
+    const int endless = std::numeric_limits<VstInt32>::max();
+    for (const auto& [tail, answer] : {std::pair(0, 1), std::pair(4096, 4096), {-1, endless}}) {
+        probe->tail = tail;
+        EXPECT_EQ(Call(effGetTailSize), answer);
+    }
 }
 
 TEST_F(MAudioPluginVSTAdapterTest, GivesOldHostsStereoAndNewOnesWhatThereIs) {
