@@ -3,7 +3,9 @@
 
 #include "core/MGuard.h"
 
-#include <random>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,12 +17,23 @@ namespace {
 constexpr int kAnalogTail = 4096;       // samples
 constexpr int kLinearPhaseTail = 4098;  // samples
 
+/// Another number for every instance and every session. The standard library's source of seeds
+/// would tie the plug-in to the newest C library for numbers that nobody has to guess.
+std::uint32_t AnySeed() noexcept {
+    static std::atomic<std::uint64_t> instances{0};
+    const std::chrono::nanoseconds now = std::chrono::system_clock::now().time_since_epoch();
+    // Odd multipliers, of which each bit of the number reaches the upper half.
+    std::uint64_t mixed = static_cast<std::uint64_t>(now.count()) * 0x9E3779B97F4A7C15U;
+    mixed += ++instances * 0xD1342543DE82EF95U;
+    return static_cast<std::uint32_t>((mixed ^ (mixed >> 29)) * 0xBF58476D1CE4E5B9U >> 32);
+}
+
 }  // namespace
 
 MAudioEffectPluginToAudioPluginMultiBandAdapter::MAudioEffectPluginToAudioPluginMultiBandAdapter(
     const MEffectAdapterParts& parts)
     : MAudioEffectPluginToAudioPluginAdapter(parts),
-      random_(std::random_device()()),
+      random_(AnySeed()),
       randomRules_(parts.randomRules) {
     ResetBands(MBandLayout::kDefaultBands);
     firstLimits_ = parameters_.ReadLimits();

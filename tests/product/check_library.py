@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Fails when the plug-in library exports other names than its entries, or needs other libraries than
-every machine has."""
+"""Fails when the plug-in library exports other names than its entries, or needs other libraries, or a
+newer C library, than every machine has."""
 import re
 import subprocess
 import sys
 
 ENTRIES = {"VSTPluginMain", "main", "MDelayAudioEffectPluginInterface"}
 LINUX = re.compile(r"lib(c|m|z|pthread)\.so\.\d|ld-linux-x86-64\.so\.2")
+NEWEST_GLIBC = (2, 35)
 WINDOWS = re.compile(r"(KERNEL32|USER32|GDI32|OPENGL32|ole32|SHELL32|msvcrt)\.dll", re.IGNORECASE)
 
 
@@ -19,7 +20,10 @@ def read_linux(path):
     symbols = output_of("readelf", "--dyn-syms", "--wide", path).splitlines()
     defined = {s.split()[7].split("@")[0] for s in symbols
                if re.search(r" (GLOBAL|WEAK|UNIQUE) +DEFAULT +\d", s)}
-    return defined, re.findall(r"NEEDED.*\[(.*)\]", output_of("readelf", "-d", path)), LINUX
+    newer = {s.split()[7] for s in symbols if any(
+        (int(a), int(b)) > NEWEST_GLIBC for a, b in re.findall(r"@GLIBC_(\d+)\.(\d+)", s))}
+    needed = re.findall(r"NEEDED.*\[(.*)\]", output_of("readelf", "-d", path))
+    return defined, sorted(newer) + needed, LINUX
 
 
 def read_windows(path):
