@@ -4,6 +4,7 @@
 #include "core/MException.h"
 #include "core/MFormat.h"
 #include "core/MText.h"
+#include "tools/hostcheck/MHostRules.h"
 #include "tools/hostcheck/MRawFile.h"
 #include "tools/hostcheck/MVst2Host.h"
 
@@ -73,9 +74,9 @@ void Set(MVst2Host& host, const std::string& setting) {
 
 const char* MHostCheck::Usage() {
     return "Usage: kestrune-hostcheck LIBRARY [INPUT OUTPUT] [OPTION VALUE]...\n"
-           "Loads a VST 2.4 plug-in as a host does and says what it found; renders INPUT to "
-           "OUTPUT,\n"
-           "both raw interleaved 32-bit floats.\n"
+           "Loads a VST 2.4 plug-in as a host does and says what it found, and which of the rules\n"
+           "that hosts rely on it breaks; renders INPUT to OUTPUT, both raw interleaved 32-bit\n"
+           "floats.\n"
            "  --set NAME=TEXT   sets a parameter; may be repeated\n"
            "  --state FILE      loads a state first\n"
            "  --channels N (2), --rate HERTZ (48000), --block FRAMES (512), --bpm TEMPO (120)\n";
@@ -156,6 +157,11 @@ std::string MHostCheck::Report() const {
         "{0}\nscan: {1;.2} ms\nlibrary to first block: {2;.2} ms\n"
         "close and unload: {3;.2} ms\n",
         identity, scan, firstBlock, unload);
+}
+
+std::vector<std::string> MHostCheck::Faults() const {
+    const MPluginLibrary library(options_.library);
+    return MHostRules::Faults(library.FindVst2Entry());
 }
 
 void MHostCheck::Render() const {

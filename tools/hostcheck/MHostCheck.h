@@ -32,6 +32,9 @@ public:
     /// Who the plug-in says it is, and how long it takes to scan, load and first sound. Throws
     /// MException when it does not load. [main]
     std::string Report() const;
+    /// What hosts rely on and the plug-in breaks; see MHostRules. Throws MException when it does
+    /// not load. [main]
+    std::vector<std::string> Faults() const;
     /// Sends the input through the plug-in. Throws MException. [main]
     void Render() const;
 

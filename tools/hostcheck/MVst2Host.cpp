@@ -41,10 +41,11 @@ VstIntPtr MVst2Host::Answer(AEffect* effect, VstInt32 opcode, VstInt32 /*index*/
         case audioMasterGetTime:
             return host == nullptr ? 0 : reinterpret_cast<VstIntPtr>(&host->time_);
         case audioMasterIOChanged:
-            if (host != nullptr) ++host->asked_.latencyReports;
-            return 1;
+            if (host == nullptr) return 0;
+            host->NoteChange(host->asked_.latencyReports);
+            return host->followsChanges_ ? 1 : 0;
         case audioMasterUpdateDisplay:
-            if (host != nullptr) ++host->asked_.displayUpdates;
+            if (host != nullptr) host->NoteChange(host->asked_.displayUpdates);
             return 1;
         case audioMasterAutomate:
             if (host != nullptr) ++host->asked_.automations;
@@ -52,6 +53,11 @@ VstIntPtr MVst2Host::Answer(AEffect* effect, VstInt32 opcode, VstInt32 /*index*/
         default:
             return 0;
     }
+}
+
+void MVst2Host::NoteChange(std::atomic<int>& kind) noexcept {
+    ++kind;
+    if (blockThread_ == std::this_thread::get_id()) ++asked_.inBlocks;
 }
 
 MVst2Host::MVst2Host(MPluginLibrary::Vst2Entry entry) : effect_(entry(&MVst2Host::Answer)) {
@@ -129,7 +135,9 @@ void MVst2Host::SendMIDI(int frame, const std::array<std::uint8_t, 4>& data) {
     std::memcpy(event.data + (offsetof(VstMidiEvent, midiData) - offsetof(VstEvent, data)),
                 data.data(), data.size());
     VstEvents events = {1, 0, {&event, nullptr}};
+    blockThread_ = std::this_thread::get_id();
     Call(effProcessEvents, 0, 0, &events);
+    blockThread_ = std::thread::id();
 }
 
 void MVst2Host::Process(const float* const* inputs, float* const* outputs, int frames) {
@@ -143,5 +151,7 @@ void MVst2Host::Process(const float* const* inputs, float* const* outputs, int f
         in[i] = const_cast<float*>(inputs[i]);  // NOLINT: the interface has no word for inputs
     }
     std::copy_n(outputs, count(effect_->numOutputs, out.size()), out.begin());
+    blockThread_ = std::this_thread::get_id();
     effect_->processReplacing(effect_, in.data(), out.data(), frames);
+    blockThread_ = std::thread::id();
 }

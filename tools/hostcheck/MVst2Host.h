@@ -12,6 +12,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 /// One instance of a VST 2.4 plug-in in a host that keeps to the published interface. Whatever is
@@ -23,6 +24,8 @@ public:
         std::atomic<int> latencyReports = 0;
         std::atomic<int> displayUpdates = 0;
         std::atomic<int> automations = 0;
+        /// Reports and updates on the thread of a block or its events, while that runs.
+        std::atomic<int> inBlocks = 0;
     };
 
     /// Creates and opens an instance. Throws MException when the plug-in gives none. [main]
@@ -54,6 +57,8 @@ public:
     std::vector<std::uint8_t> SaveState();
     void LoadState(std::span<const std::uint8_t> state);
 
+    /// Whether the host looks for other channels when it is told; it does from the start. [main]
+    void SetFollowsChanges(bool on) noexcept { followsChanges_ = on; }
     /// Stops, sets everything and starts again. False when the plug-in does not take as many
     /// channels. [main]
     bool Start(int channels, int sampleRate, int maximumFrames);
@@ -69,8 +74,11 @@ private:
                                   Vst2::VstInt32 index, Vst2::VstIntPtr value, void* pointer,
                                   float number);
     bool Arrange(int channels);
+    void NoteChange(std::atomic<int>& kind) noexcept;
 
     Vst2::AEffect* effect_ = nullptr;
     Requests asked_;
     Vst2::VstTimeInfo time_ = {};
+    bool followsChanges_ = true;
+    std::atomic<std::thread::id> blockThread_{};  // none between blocks
 };

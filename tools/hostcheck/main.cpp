@@ -18,9 +18,11 @@ int main(int argc, char** argv) {
         const MHostCheck check(options);
         if (options.input.empty()) {
             std::cout << check.Report();
-        } else {
-            check.Render();
+            const std::vector<std::string> faults = check.Faults();
+            for (const std::string& fault : faults) std::cout << "fault: " << fault << "\n";
+            return faults.empty() ? 0 : 1;
         }
+        check.Render();
         return 0;
     } catch (const MException& failure) {
         std::cerr << "kestrune-hostcheck: " << failure.Text() << "\n";
