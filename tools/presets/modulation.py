@@ -1,11 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Modulators as kestrune-render --modulate takes them, written as the elements of the plug-in's state."""
+"""Modulators as kestrune-render --modulate takes them, and MultiParameters in the same words, written as
+the elements of the plug-in's state."""
 import re
 from pathlib import Path
 from xml.sax.saxutils import quoteattr
 
 from values import (EFFECT, GLOBAL, LENGTHS, TAP, TYPES, Fault, decibels, hertz, level, mix, number, panorama, percent,
-                    seconds)
+                    seconds, switch)
 
 
 def shapes():
@@ -19,6 +20,8 @@ MODES = {"+-": 1, "+": 2, "-": 3, "..": 4}
 ENDS = {mix: (0, 1), percent: (0, 1), level: (0, 1), decibels: (-24, 24), panorama: (-1, 1),
         hertz: (hertz("20 Hz"), hertz("20 kHz")), TAP["Delay"][1]: (0, 0.5), TAP["Left offset"][1]: (-0.1, 0.1),
         TAP["Right offset"][1]: (-0.1, 0.1)}
+SWITCHED = {switch: (0, 1)}
+KNOBS = ["continuous", "switch", "momentary"]
 UP_TO_A_MINUTE = seconds(0, 60)
 
 
@@ -109,23 +112,33 @@ def parameters(name, bands):
     raise Fault(f'"{name}" is no parameter')
 
 
-def targets(text, bands):
-    """The elements "Target" of, for example, "Wet: 20% .. 60%; Delay: +-10%"."""
+def targets(text, bands, ends=ENDS):
+    """The elements "Target" of, for example, "Wet: 20% .. 60%; Delay: +-10%"; `ends` has the readers of
+    what may be moved."""
     for part in text.split(";"):
         name, separator, way = (piece.strip() for piece in part.partition(":"))
         match = re.fullmatch(r"(\+-|\+|-)([0-9.]+%)|(.*?) *\.\. *(.*)", way)
         if not separator or not match:
             raise Fault(f'"{part.strip()}" does not say how far')
         for key, long_name, read in parameters(name, bands):
-            if read not in ENDS:
+            if read not in ends:
                 raise Fault(f"{name} is switched, not moved")
             values = {"ID": key, "Name": long_name, "Mode": MODES[match[1] or ".."]}
             if match[1]:
                 values["Depth"] = percent(match[2]) * (2 if match[1] == "+-" else 1)
             else:
-                low, high = ENDS[read]
+                low, high = ends[read]
                 values["Min"], values["Max"] = ((read(end) - low) / (high - low) for end in (match[3], match[4]))
             yield f"<Target{attributes(values)}/>"
+
+
+def multiparameter(text, bands):
+    """One element "MultiParameter", such as "switch -> Freeze: off .. on"."""
+    mode, arrow, right = (piece.strip() for piece in text.partition("->"))
+    if not arrow or mode not in KNOBS:
+        raise Fault(f'"{text}" does not say how a MultiParameter moves what')
+    return (f"<MultiParameter{attributes({'Mode': KNOBS.index(mode)})}>"
+            f"{''.join(targets(right, bands, {**ENDS, **SWITCHED}))}</MultiParameter>")
 
 
 def attributes(values):
