@@ -57,8 +57,8 @@ public:
     virtual std::string GetParameterValueName(std::uint32_t identifier);
     /// The display text of a parameter's value at position `x`, which is held within 0..1. [main]
     virtual std::string GetParameterValueNameFrom01(std::uint32_t identifier, double x);
-    /// The position of a typed value; the present position when the text means none. A record with
-    /// a text function takes the value over at once. [main]
+    /// The position of a typed value, to be set by SetParameter; the present position when the text
+    /// means none. [main]
     virtual double ParseParameterValueName(std::uint32_t identifier, const std::string& text);
     virtual std::string GetParameterUnitsName(std::uint32_t identifier);
     /// The number of a parameter's ParameterKind; 0 without parameters. [any]

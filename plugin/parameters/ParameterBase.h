@@ -45,7 +45,7 @@ public:
     virtual std::string GetValueName(std::uint32_t offset) const;
     virtual std::string GetValueNameFrom01(std::uint32_t offset, double x) const;
     /// The position 0..1 of what the user typed; that of the present value when it means nothing.
-    /// A record with a text function takes the typed value over at once. [main]
+    /// Nothing changes until the position is written, and whoever listens hears of it then. [main]
     virtual double ParseValueName(std::uint32_t offset, const std::string& text);
     virtual std::string GetUnitsName() const;
     virtual bool HasOption13() const noexcept;

@@ -48,11 +48,7 @@ public:
 
     double ParseValueName(std::uint32_t offset, const std::string& text) override {
         const std::optional<double> plain = record_.ParseDisplayText(text);
-        if (!plain) return GetNormalised(offset);
-        // Deliberate: a text function hands its value to the record, as if the record itself had
-        // been typed into. Other records change only once the position is written.
-        if (record_.text) record_.SetValue(*plain);
-        return record_.ToNormalised(*plain);
+        return plain ? record_.ToNormalised(*plain) : GetNormalised(offset);
     }
 
     std::string GetUnitsName() const override { return record_.unitsName; }

@@ -75,12 +75,14 @@ TEST(ParameterFloatT, TellsListenerAndOwnerOfWritesThatAreNotSilent) {
                                          std::tuple(3, 0u, 4.0, 9.0)));
 }
 
-TEST(ParameterFloatT, TypedTextChangesARecordWithATextFunctionOnly) {
+TEST(ParameterFloatT, TypedTextTravelsAsAnyWrite) {
     ParameterDefinition pan;
     pan.DefineFloat("k", "Pan", -1, 1, 0, {MValuePan::Format, MValuePan::Parse});
     ParameterFloatT<> withText(pan, {});
-    EXPECT_EQ(withText.ParseValueName(0, "50% left"), 0.25);
-    EXPECT_EQ(pan.Value(), -0.5);
+    Notes notes;
+    withText.SetListener(&notes, 3);
+    withText.SetNormalised(0, withText.ParseValueName(0, "50% left"), false);
+    EXPECT_THAT(notes.calls, ElementsAre(std::tuple(3, 0u, 0.0, -0.5)));
     EXPECT_EQ(withText.ParseValueName(0, "nonsense"), 0.25) << "as it was";
     EXPECT_EQ(withText.GetValueName(0), "50% left");
     EXPECT_EQ(withText.GetValueNameFrom01(0, 1), "100% right");
