@@ -105,6 +105,7 @@ bool MAudioEffectPluginToAudioPluginAdapter::InitProcessing_LockedPart() {
             const MLock lock(changeLock_);
             handOver_.Start();
         }
+        midi_.Reset();  // it may move parameters, which all that follows reads
         activeLayout_ = BusLayout();
         activeRate_ = SampleRate();
         PrepareEffects();
@@ -112,7 +113,6 @@ bool MAudioEffectPluginToAudioPluginAdapter::InitProcessing_LockedPart() {
         bypassFade_.Prepare(activeLayout_.outputs, activeRate_, MaximumLatency(),
                             MaximumBlockSize(), bypass_.IsOn());
         modulation_.Prepare(activeRate_);
-        midi_.Reset();
         inputMeter_.Prepare(activeRate_);
         outputMeter_.Prepare(activeRate_);
         isReady_ = true;

@@ -70,8 +70,8 @@ public:
     /// Applies what is due at `position` or before. Notes go to `listener`, null for nobody.
     /// [audio]
     void ApplyUntil(int position, MMIDIListener* listener) noexcept;
-    /// Forgets queued messages, keys and controllers, and tells nobody. Hosts may be handing over
-    /// messages meanwhile. [setup]
+    /// Forgets queued messages, keys and controllers, and closes the gates that keys hold open.
+    /// Hosts may be handing over messages meanwhile. [setup]
     void Reset() noexcept;
 
 private:

@@ -30,6 +30,13 @@ void MMIDIRouter::Adopt(const MMIDIRouting& routing) noexcept {
 }
 
 void MMIDIRouter::Reset() noexcept {
+    const auto& table = routing_.notes;
+    for (int i = 0; i < table.count; ++i) {
+        const MNoteMapping& map = table.routes[table.places[i]].mapping;
+        const bool isOpen =
+            map.mode == MNoteMapping::Mode::Gate && held_.IsAnyHeld(map.channel, map.note);
+        if (isOpen) CloseGate(table.places[i]);
+    }
     followers_ = {};
     pairs_ = {};
     held_ = {};
@@ -177,13 +184,16 @@ void MMIDIRouter::ReleaseNote(int channel, int note, MMIDIListener* listener) no
     if (listener != nullptr) listener->NoteOff(channel, note);
     const auto& table = routing_.notes;
     for (int i = 0; i < table.count; ++i) {
-        const MMIDIRouting::Note& route = table.routes[table.places[i]];
-        const MNoteMapping& map = route.mapping;
+        const MNoteMapping& map = table.routes[table.places[i]].mapping;
         const bool isIt = map.note == MNoteMapping::kAnyNote || map.note == note;
         if (map.mode != MNoteMapping::Mode::Gate || !isIt || !IsOnChannel(map.channel, channel)) {
             continue;
         }
-        if (held_.IsAnyHeld(map.channel, map.note)) continue;
-        Write(kFirstNoteBit + table.places[i], route.identifier, map.value);
+        if (!held_.IsAnyHeld(map.channel, map.note)) CloseGate(table.places[i]);
     }
+}
+
+void MMIDIRouter::CloseGate(int place) noexcept {
+    const MMIDIRouting::Note& route = routing_.notes.routes[place];
+    Write(kFirstNoteBit + place, route.identifier, route.mapping.value);
 }

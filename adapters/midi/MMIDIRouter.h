@@ -36,7 +36,8 @@ public:
     /// `listener` may be null.
     void Apply(const MMIDIMessage& message, MMIDIListener* listener) noexcept;
 
-    /// No key is down and no controller has moved any more; nobody is told.
+    /// No key is down and no controller has moved any more. Gates close, since what ends the notes
+    /// that hold them may never come. [setup]
     void Reset() noexcept;
 
     /// The assignments that have moved their parameters since the last call: a bit for each
@@ -49,6 +50,7 @@ private:
     void ProcessPitchBend(const MMIDIMessage& message) noexcept;
     void ProcessNote(const MMIDIMessage& message, MMIDIListener* listener) noexcept;
     void ReleaseNote(int channel, int note, MMIDIListener* listener) noexcept;
+    void CloseGate(int place) noexcept;
     void StepPresets(const MMIDIMessage& message) noexcept;
     void ChoosePreset(const MMIDIMessage& message) noexcept;
     void MoveController(int place, double x) noexcept;

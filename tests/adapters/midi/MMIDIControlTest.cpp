@@ -144,6 +144,9 @@ TEST_F(MMIDIControlTest, SwitchesTogglesAndEndlessKnobsMoveInTheirWays) {
     Send(0xB1, 123, 0);
     EXPECT_EQ(plugin.GetParameter(1), 0.25);
     EXPECT_EQ(plugin.ons, plugin.offs);
+    Send(0x90, 60, 1);
+    control.Reset();  // the key's end may never come
+    EXPECT_EQ(plugin.GetParameter(1), 0.25);
     for (const int value : {127, 100, 0, 127, 20, 30, 0}) Send(0xB0, 5, value);
     EXPECT_EQ(plugin.steps, 11 + 11 - 9);  // next, next, previous
     control.ReportMoved();
