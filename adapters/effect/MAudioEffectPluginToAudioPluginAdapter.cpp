@@ -86,6 +86,7 @@ bool MAudioEffectPluginToAudioPluginAdapter::InitProcessing() {
 void MAudioEffectPluginToAudioPluginAdapter::ReportMovedParameters() {
     Guard("MAudioEffectPluginToAudioPluginAdapter::ReportMovedParameters", [&] {
         midi_.ReportMoved();
+        presetTriggers_.ReportReleased(*this);
         // What a MultiParameter moves is no gesture of its own: the host has the knob's.
         if (TakeParameterListChanged()) ReportParameterChanges();
     });
@@ -105,6 +106,7 @@ bool MAudioEffectPluginToAudioPluginAdapter::InitProcessing_LockedPart() {
             const MLock lock(changeLock_);
             handOver_.Start();
         }
+        presetTriggers_.StartOver();
         midi_.Reset();  // it may move parameters, which all that follows reads
         activeLayout_ = BusLayout();
         activeRate_ = SampleRate();

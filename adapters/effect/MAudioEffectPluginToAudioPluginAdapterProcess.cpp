@@ -192,7 +192,7 @@ void MAudioEffectPluginToAudioPluginAdapter::PrepareForProcessingOnce(const floa
                                                                       int sampleCount) {
     Guard<MExceptionPolicy::Swallow>(
         "MAudioEffectPluginToAudioPluginAdapter::PrepareForProcessing", [&] {
-            presetTriggers_.Run();
+            presetTriggers_.Run(sampleCount);
             if (inputs != nullptr && IsMetering()) {
                 inputMeter_.Feed(inputs, activeLayout_.outputs, sampleCount);
             }

@@ -82,6 +82,7 @@ void MAudioEffectPluginToAudioPluginAdapter::Load(MStage& stage) {
 bool MAudioEffectPluginToAudioPluginAdapter::TryCommit(MStage& stage) {
     const MLock lock(changeLock_);
     if (!CommitStage(stage)) return false;
+    presetTriggers_.StartOver();
     if (stage.midi) midi_.SetSettings(*stage.midi);
     handOver_.Settle();
     return true;

@@ -1,24 +1,62 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/effect/MPresetTriggers.h"
 
+#include "plugin/MAudioPlugin.h"
+
+namespace {
+
+constexpr unsigned Bit(int index) { return 1U << index; }
+
+/// What is written by all threads and seldom; most blocks only look.
+unsigned Take(std::atomic<unsigned>& bits) noexcept {
+    return bits.load(std::memory_order_relaxed) != 0 ? bits.exchange(0) : 0;
+}
+
+}  // namespace
+
 MPresetTriggers::MPresetTriggers(MPresetStepper* stepper) : stepper_(stepper) {
     records_[0].DefineBool("PresetTriggerPrevious", "Preset trigger - previous", false);
     records_[1].DefineBool("PresetTriggerNext", "Preset trigger - next", false);
 }
 
 void MPresetTriggers::AddParameters(MParameterTable& table) {
-    table.Add(records_[0], "Preset previous", records_[0].name, this, 0);
-    table.Add(records_[1], "Preset next", records_[1].name, this, 1);
+    constexpr const char* kIds[kCount] = {"Preset previous", "Preset next"};
+    for (int i = 0; i < kCount; ++i) {
+        identifiers_[i] =
+            table.Add(records_[i], kIds[i], records_[i].name, this, i).FirstIdentifier();
+    }
 }
 
 void MPresetTriggers::ParameterChanged(int index, std::uint32_t /*offset*/, double oldValue,
                                        double newValue) noexcept {
-    if (oldValue >= 0.5 || newValue < 0.5) return;
-    steps_.fetch_add(index == 0 ? -1 : 1, std::memory_order_relaxed);
+    if (newValue < 0.5) return;
+    if (oldValue < 0.5) pressed_.fetch_or(Bit(index));
+    // What modulates a trigger also takes it back.
+    if (records_[index].IsRedirected()) return;
+    records_[index].SetValue(0);
+    released_.fetch_or(Bit(index));
 }
 
-void MPresetTriggers::Run() noexcept {
-    if (steps_.load(std::memory_order_relaxed) == 0) return;
-    const int steps = steps_.exchange(0, std::memory_order_relaxed);
+void MPresetTriggers::Run(int sampleCount) noexcept {
+    const bool startsOver = startsOver_.load(std::memory_order_relaxed) &&
+                            startsOver_.exchange(false, std::memory_order_relaxed);
+    if (startsOver) mayAct_ = {};
+    const unsigned pressed = Take(pressed_);
+    int steps = 0;
+    for (int i = 0; i < kCount; ++i) {
+        if ((pressed & Bit(i)) != 0) {
+            if (mayAct_[i]) steps += i == 0 ? -1 : 1;
+            mayAct_[i] = false;
+        } else if (sampleCount > 0) {
+            mayAct_[i] = !records_[i].IsOn();
+        }
+    }
     if (stepper_ != nullptr && steps != 0) stepper_->PostStep(steps);
+}
+
+void MPresetTriggers::ReportReleased(MAudioPlugin& plugin) {
+    const unsigned released = Take(released_);
+    for (int i = 0; i < kCount; ++i) {
+        if ((released & Bit(i)) != 0) plugin.SendHostAutomation(identifiers_[i], 0);
+    }
 }

@@ -8,9 +8,16 @@
 
 #include <array>
 #include <atomic>
+#include <cstdint>
 
-/// Two switches that step through the presets: each time one goes from off to on, the list moves by
-/// one place. Writes between two blocks count as well, however short.
+class MAudioPlugin;
+
+/// Two switches that step through the presets, by one place a block at most. They work as push
+/// buttons: one that is written on is off again at once, and the host is told.
+///
+/// A press counts when the block before came without one. A host that opens a session writes what
+/// it has stored, and one that plays a line of automation writes it again and again: neither asks
+/// for another preset. Writes between two blocks count as well, however short.
 class MPresetTriggers final : public MParameterListener {
 public:
     /// `stepper` is borrowed; null for a plug-in without presets. [setup]
@@ -21,11 +28,24 @@ public:
 
     void ParameterChanged(int index, std::uint32_t offset, double oldValue,
                           double newValue) noexcept override;
-    /// Passes on what was triggered since the last call. [audio]
-    void Run() noexcept;
+    /// Lets presses count after the next block at the earliest: the host has resumed or a state
+    /// been loaded. [any]
+    void StartOver() noexcept { startsOver_.store(true, std::memory_order_relaxed); }
+    /// Passes on what was pressed since the last block; this one has `sampleCount` samples, and
+    /// without any is no pause between two presses. [audio]
+    void Run(int sampleCount) noexcept;
+    /// Tells the host of `plugin` about the buttons that have gone off again since the last call.
+    /// [main]
+    void ReportReleased(MAudioPlugin& plugin);
 
 private:
+    static constexpr int kCount = 2;  // previous, next
+
     MPresetStepper* const stepper_;
-    std::array<ParameterDefinition, 2> records_;  // previous, next
-    std::atomic<int> steps_{0};
+    std::array<ParameterDefinition, kCount> records_;
+    std::array<std::uint32_t, kCount> identifiers_{};
+    std::atomic<unsigned> pressed_{0};   // a bit each
+    std::atomic<unsigned> released_{0};  // the same
+    std::atomic<bool> startsOver_{true};
+    std::array<bool, kCount> mayAct_{};  // of the audio thread
 };

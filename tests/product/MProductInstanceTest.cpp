@@ -32,8 +32,8 @@ TEST(MProductInstance, StepsThroughThePresetsWhileAudioRuns) {
     const auto list = product->PluginPresets().Library().List();
     const auto press = [&](const char* id, std::size_t expected) {
         const std::uint32_t trigger = FindParameter(plugin, id);
+        RunPlugin(plugin, input, output, 512);  // as any press, after a block without
         plugin.SetParameter(trigger, 1, false);
-        plugin.SetParameter(trigger, 0, false);
         const auto isThere = [&] {
             return product->PluginPresets().ActivePath() == list->entries[expected].path;
         };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/effect/MAudioEffectPluginToAudioPluginAdapter.h"
 #include "core/MException.h"
+#include "plugin/MPluginState.h"
 #include "tests/support/ProbeEffect.h"
 #include "tests/support/Reports.h"
 #include "tests/support/RunPlugin.h"
@@ -169,26 +170,56 @@ TEST(MAudioEffectPluginToAudioPluginAdapter, TakesAnyChannelsThatAHostMayHandOve
     }
 }
 
-TEST(MAudioEffectPluginToAudioPluginAdapter, StepsThroughPresetsOnRisingEdges) {
+TEST(MAudioEffectPluginToAudioPluginAdapter, StepsThroughPresetsOncePerPressAfterABlockWithout) {
     struct Stepper final : MPresetStepper {
         void PostStep(int number) noexcept override { steps.push_back(number); }
         std::vector<int> steps;
     } stepper;
+    struct Host final : MAudioPluginAdapter {
+        void SendBypassAutomation(bool) override {}
+        void GenerateMIDIEvent(int, const std::array<std::uint8_t, 4>&) override {}
+        void ReportLatency() override {}
+        void ChangeEditorSize(int, int) override {}
+        void SendParameterAutomation(std::uint32_t, double x) override { told.push_back(x); }
+        std::vector<double> told;
+    } host;
     const auto adapter = MakeAdapter({}, &stepper);
+    adapter->SetHost(&host);
     const std::uint32_t previous = FindParameter(*adapter, "Preset previous");
     const std::uint32_t next = FindParameter(*adapter, "Preset next");
     const auto write = [&](std::uint32_t identifier, double x) {
         adapter->SetParameter(identifier, x, false);
-        adapter->Process(nullptr, nullptr, 0);
+        EXPECT_EQ(adapter->GetParameter(identifier), 0) << "a push button";
     };
-    for (const double x : {0.4999, 0.5, 1.0, 0.4999, 1.0}) write(next, x);
-    write(previous, 1);
-    EXPECT_THAT(stepper.steps, ElementsAre(1, 1, -1));
-    adapter->SetParameter(previous, 0, false);
-    adapter->SetParameter(previous, 1, false);
-    adapter->SetParameter(previous, 0, false);  // shorter than a block
-    adapter->Process(nullptr, nullptr, 0);
-    EXPECT_THAT(stepper.steps, ElementsAre(1, 1, -1, -1));
+    const auto run = [&](int count) { adapter->Process(nullptr, nullptr, count); };
+    const std::pair<const char*, std::function<void()>> starts[] = {
+        {"creation", [] {}},
+        {"resume", [&] { adapter->InitProcessing(); }},
+        {"load", [&] { MPluginState::Load(*adapter, MPluginState::Save(*adapter)); }}};
+    for (const auto& [name, start] : starts) {
+        start();
+        write(next, 1);  // what a host has stored
+        run(kBlock);
+        write(next, 1);
+        run(kBlock);
+        run(0);
+        write(next, 1);
+        run(kBlock);
+        EXPECT_THAT(stepper.steps, ElementsAre()) << name;
+        run(kBlock);
+        write(next, 0.5);
+        write(next, 0.4999);  // shorter than a block
+        write(next, 1);       // no second step in the same block
+        run(0);
+        write(previous, 0.4999);
+        run(kBlock);
+        write(previous, 1);
+        run(kBlock);
+        EXPECT_THAT(stepper.steps, ElementsAre(1, -1)) << name;
+        stepper.steps.clear();
+    }
+    for (int i = 0; i < 2; ++i) adapter->ReportMovedParameters();
+    EXPECT_THAT(host.told, ElementsAre(0, 0));
 }
 
 TEST(MAudioEffectPluginToAudioPluginAdapter, RefusesRatesAndSizesThatNoHostHas) {
