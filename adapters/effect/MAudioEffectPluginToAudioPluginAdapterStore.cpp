@@ -147,7 +147,11 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreStandardSettings(MXMLNode node
         MStandardSettings& standard = archive.Stage().standard;
         if (archive.IsWriting()) standard.version = Identity().versionNumber;
         standard.Store(node, archive, ChannelsPerBus());
-        StoreRecord(bypass_, node, archive);
+        if (!archive.IsWriting() && node.Attribute(MPluginPresetContent::kKeepBypass)) {
+            stateRecords_.Of(bypass_, archive.Stage().values) = MStateRecords::kKept;
+        } else {
+            StoreRecord(bypass_, node, archive);
+        }
     });
 }
 

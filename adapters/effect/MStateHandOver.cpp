@@ -31,8 +31,14 @@ MStateHandOver::Publication MStateHandOver::PublishNewest() {
 }
 
 MStateRecords::Values MStateHandOver::Current() const {
-    const bool isTaken = taken_.load(std::memory_order_acquire) == newest_.ticket;
-    return isTaken ? records_.Current() : *newest_.values;
+    if (IsTaken()) return records_.Current();
+    MStateRecords::Values values = *newest_.values;
+    MStateRecords::Complete(values, records_.Current());
+    return values;
+}
+
+bool MStateHandOver::IsTaken() const noexcept {
+    return taken_.load(std::memory_order_acquire) == newest_.ticket;
 }
 
 bool MStateHandOver::IsOwnBlock() const noexcept {

@@ -57,6 +57,8 @@ public:
     /// The same with the values of all records, `change` being about the rest. [main]
     template <class Job>
     [[nodiscard]] Publication Publish(MStateRecords::Values values, Job&& change) {
+        // What it leaves alone may still be under way from the state before.
+        if (!IsTaken()) MStateRecords::Complete(values, *newest_.values);
         auto shared = std::make_shared<MStateRecords::Values>(std::move(values));
         return Publish([&](Publication& newest) {
             newest.values.swap(shared);
@@ -122,6 +124,7 @@ private:
 
     Publication PublishNewest();
     void TakeValues() noexcept;
+    bool IsTaken() const noexcept;
     bool IsOwnBlock() const noexcept;
 
     const MStateRecords& records_;

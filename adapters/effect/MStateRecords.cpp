@@ -18,8 +18,16 @@ MStateRecords::Values MStateRecords::Current() const {
     return values;
 }
 
+void MStateRecords::Complete(Values& values, const Values& base) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (std::isnan(values[i])) values[i] = base[i];
+    }
+}
+
 void MStateRecords::Apply(const Values& values) const noexcept {
-    for (std::size_t i = 0; i < records_.size(); ++i) records_[i]->Overrule(values[i]);
+    for (std::size_t i = 0; i < records_.size(); ++i) {
+        if (!std::isnan(values[i])) records_[i]->Overrule(values[i]);
+    }
     for (MHostedEffect* const effect : effects_) effect->Mark(-1);
 }
 

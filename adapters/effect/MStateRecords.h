@@ -4,6 +4,8 @@
 #include "adapters/effect/MHostedEffect.h"
 #include "plugin/parameters/ParameterDefinition.h"
 
+#include <cmath>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -12,6 +14,8 @@
 class MStateRecords {
 public:
     using Values = std::vector<double>;
+    /// Stands among values for a record that keeps what it has.
+    static constexpr double kKept = std::numeric_limits<double>::quiet_NaN();
 
     /// Adds a record of the plug-in itself, or all of an effect (borrowed). [setup]
     void Add(ParameterDefinition& record);
@@ -27,6 +31,9 @@ public:
     /// The places of an effect's values, in the order of its records. Throws the same. [main]
     std::span<double> Of(const MHostedEffect& effect, Values& values) const;
 
+    /// Puts those of `base` where `values` keep what records have. [main]
+    static void Complete(Values& values, const Values& base);
+
     /// Writes all values into the records and lets the effects follow. Takes no lock. [any]
     void Apply(const Values& values) const noexcept;
     /// The same, until `isDone` says that another thread has done so; what has been written since
@@ -36,6 +43,7 @@ public:
         for (std::size_t i = 0; i < records_.size(); ++i) {
             const double present = records_[i]->Value();
             if (isDone()) return;
+            if (std::isnan(values[i])) continue;
             records_[i]->Overrule(values[i], present);
         }
         // All of them, whether or not their values differ: another thread may be writing the same

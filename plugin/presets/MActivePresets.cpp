@@ -41,7 +41,7 @@ void MActivePresets::Switch(MAudioPlugin& plugin, int slot) {
         const MLock lock(mutex_);
         text = slots_[wanted];
     }
-    if (!text.empty()) MPluginPresetContent::Load(plugin, text);
+    if (!text.empty()) MPluginPresetContent::Restore(plugin, text);
     const MLock lock(mutex_);
     slots_[Checked(current_)] = std::move(heard);
     previous_ = std::exchange(current_, slot);
@@ -67,7 +67,7 @@ void MActivePresets::Copy(MAudioPlugin& plugin, int from, int to) {
         const MLock lock(mutex_);
         text = slots_[source];
     }
-    if (to == current && !text.empty()) MPluginPresetContent::Load(plugin, text);
+    if (to == current && !text.empty()) MPluginPresetContent::Restore(plugin, text);
     const MLock lock(mutex_);
     slots_[target] = std::move(text);
 }

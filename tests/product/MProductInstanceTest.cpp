@@ -63,7 +63,9 @@ TEST(MProductInstance, BringsBackWhatWasSavedAsAPreset) {
     MMIDISettings pedal;
     pedal.presetController = {true, 64, 0};
     plugin.MIDI().SetSettings(pedal);
+    plugin.Bypass().SetValue(1);
     product->PluginPresets().Load("dub/tape echo");
+    EXPECT_TRUE(plugin.Bypass().IsOn());
     EXPECT_EQ(plugin.MIDI().Settings(), pedal) << "steps once and never again";
     EXPECT_EQ(plugin.Layout().bandCount, 1);
     const std::string before = MPluginPresetContent::Save(plugin);
@@ -72,6 +74,12 @@ TEST(MProductInstance, BringsBackWhatWasSavedAsAPreset) {
     EXPECT_EQ(plugin.Layout().bandCount, 4);
     EXPECT_TRUE(plugin.Layout().mute[2]);
     MProductInstance::Create()->PluginPresets().Library().Move("Mine/Copy", "Elsewhere");
+    plugin.ActivePresets().Switch(plugin, 1);
+    plugin.Bypass().SetValue(0);
+    product->PluginPresets().Load("Elsewhere");
+    EXPECT_FALSE(plugin.Bypass().IsOn());
+    plugin.ActivePresets().Switch(plugin, 0);
+    EXPECT_TRUE(plugin.Bypass().IsOn()) << "a slot is all of a state";
     product->PluginPresets().Load("Elsewhere");
     EXPECT_EQ(MPluginPresetContent::Save(plugin), before);
     product->LayoutPresets().Library().Remove("Four");
