@@ -30,7 +30,8 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::FillStage(MStage& base,
     auto& stage = static_cast<Stage&>(base);
     MAudioEffectPluginToAudioPluginAdapter::FillStage(stage, values);
     if (values == MArchive::Base::Current) return;
-    stage.layout.SetDefaults(DefaultBandCount());
+    // Whatever the user has set for new instances: a state is to sound the same everywhere.
+    stage.layout.SetDefaults(MBandLayout::kDefaultBands);
     StageDefaultLimits(stage);
 }
 
