@@ -73,7 +73,10 @@ void MHostedEffect::Process(const MTransport* transport, const float* const* inp
                             float* const* outputs, int count) {
     const bool restarts = restart_.load(std::memory_order_relaxed) &&
                           restart_.exchange(false, std::memory_order_acquire);
-    if (restarts && hasRun_) handle_.Prepare(channels_, sampleRate_);
+    if (restarts && hasRun_ && handle_.Prepare(channels_, sampleRate_) != 0) {
+        RequestRestart();  // the next block tries again
+        throw MException("The effect could not start anew.");
+    }
     hasRun_ = true;
     handle_.Process(transport, inputs, outputs, count);
 }

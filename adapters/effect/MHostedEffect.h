@@ -44,7 +44,8 @@ public:
     void SettleRamps() noexcept;
     /// Lets the effect follow what was marked. [audio]
     void Update();
-    /// One block of the prepared channels; see MEffectHandle. [audio]
+    /// One block of the prepared channels; see MEffectHandle. Throws MException when the restart
+    /// that was asked for fails. [audio]
     void Process(const MTransport* transport, const float* const* inputs, float* const* outputs,
                  int count);
 

@@ -10,6 +10,11 @@
 
 namespace {
 
+/// What a command answers that has failed. Nobody must take a preparation for done that was not.
+std::int64_t FailureOf(MEffectCommand command) noexcept {
+    return command == MEffectCommand::InitEffectProcessing ? 1 : 0;
+}
+
 std::int64_t RunWithoutObject(MEffectCommand command, const MEffectArguments* arguments) {
     auto effect = std::make_unique<MDelayAudioEffectPlugin>();
     const std::int64_t result =
@@ -32,7 +37,7 @@ void* MDelayAudioEffectPluginInterface(void* object, void* command, void* argume
                          return std::make_unique<MDelayAudioEffectPlugin>().release();
                      });
     }
-    const std::int64_t result = Guard("MDelayAudioEffectPluginInterface", std::int64_t{0}, [&] {
+    const std::int64_t result = Guard("MDelayAudioEffectPluginInterface", FailureOf(number), [&] {
         return effect != nullptr ? effect->Dispatch(number, given)
                                  : RunWithoutObject(number, given);
     });

@@ -12,6 +12,7 @@
 /// `command` 7 returns `object`, or a new one for a null `object` (null when memory runs out); the
 /// caller destroys it by command 1. Any other command returns its result; a null `object` stands
 /// for a new one that is gone afterwards, but for command 2. `arguments` points to
-/// MEffectArguments, null for a command without. Failures are reported and answered with 0. [any]
+/// MEffectArguments, null for a command without. Failures are reported and answered with 0, of
+/// command 100 with 1, since its 0 says that the effect is ready. [any]
 extern "C" M_EXPORT void* MDelayAudioEffectPluginInterface(void* object, void* command,
                                                            void* arguments) noexcept;

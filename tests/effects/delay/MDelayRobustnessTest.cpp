@@ -95,11 +95,11 @@ TEST(MDelayRobustness, RefusesAWrongPreparationAndStaysAsItWas) {
         {2, -kRate}, {kHigh | 2, kRate}, {2, kHigh | kRate}};
     DelayEntry delay;
     Reports reports;
-    for (const auto& [channels, rate] : rows) EXPECT_EQ(delay.Prepare(channels, rate), 0);
+    for (const auto& [channels, rate] : rows) EXPECT_EQ(delay.Prepare(channels, rate), 1);
     EXPECT_EQ(reports.texts.size(), std::size(rows));
     Sound untouched = Constant(2, 10, 5);
     EXPECT_EQ(delay.Process(untouched), untouched) << "nothing has been prepared";
-    delay.Prepare(2, kRate);
+    EXPECT_EQ(delay.Prepare(2, kRate), 0);
     for (const auto& [channels, rate] : rows) delay.Prepare(channels, rate);
     EXPECT_EQ(delay.Process(Impulse({1, 0.5f}, 12'000)), Fresh());
 }
