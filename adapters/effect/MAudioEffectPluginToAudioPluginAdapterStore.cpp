@@ -131,8 +131,8 @@ bool MAudioEffectPluginToAudioPluginAdapter::CommitStage(MStage& stage) {
 
 void MAudioEffectPluginToAudioPluginAdapter::PublishStage(
     MStage& stage, std::shared_ptr<MStateHandOver::Part> part) {
-    standard_ = stage.standard;
     const MModulation::Replacement replacement(modulation_, stage.modulation);
+    standard_ = stage.standard;
     stage.retired =
         handOver_.Publish(std::move(stage.values), [&](MStateHandOver::Publication& published) {
             published.standard = standard_;

@@ -106,31 +106,6 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::UpdateMaxBufferSize() {
     });
 }
 
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::OnGlobalChange(bool bandsChanged) {
-    Guard("MAudioEffectPluginToAudioPluginMultiBandAdapter::OnGlobalChange", [&] {
-        {
-            const MLock preparing(preparingLock_);
-            WhenSettled([&] { ApplyGlobalChange(bandsChanged); });
-        }
-        ReportLatencyChange();
-        ReportParameterChanges();
-    });
-}
-
-// Under the preparing and the change lock. Effects first, then the design, then what refers to
-// both: whatever a block sees of these is ready to run.
-void MAudioEffectPluginToAudioPluginMultiBandAdapter::ApplyGlobalChange(bool bandsChanged) {
-    if (bandsChanged) {
-        const MLock lock(settingsLock_);
-        layout_.DeriveSolo();
-    }
-    PrepareBands(layout_.bandCount);
-    auto part = MakePart(Design(layout_, options_, parameters_.ReadLimits(), RateOfDesigns()));
-    const auto retired = HandOver().Publish(
-        [&](MStateHandOver::Publication& published) { published.part = std::move(part); });
-    for (int effect = 0; effect < EffectCount(); ++effect) Effect(effect).RequestRefresh();
-}
-
 // Under the preparing lock. No block runs with a band that is prepared here, as it runs with none
 // that is not prepared.
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareBands(int bandCount) {
@@ -154,9 +129,9 @@ int MAudioEffectPluginToAudioPluginMultiBandAdapter::RateOfDesigns() const noexc
     return preparedRate_ > 0 ? preparedRate_ : SampleRate();
 }
 
-std::unique_ptr<MBandDesign> MAudioEffectPluginToAudioPluginMultiBandAdapter::Design(
+auto MAudioEffectPluginToAudioPluginMultiBandAdapter::MakePart(
     const MBandLayout& layout, const MBandOptions& options, const MBandParameters::Limits& limits,
-    int sampleRate) {
+    int sampleRate) -> std::shared_ptr<Part> {
     // The audio thread is to find the memory that following an automated limit takes.
     if (options.isLinearPhase) processor_.LinearPhase().Reserve();
     const MCrossoverChoice choice{
@@ -166,34 +141,36 @@ std::unique_ptr<MBandDesign> MAudioEffectPluginToAudioPluginMultiBandAdapter::De
         .slope = options.slope,
         .sampleRate = sampleRate,
     };
-    return std::make_unique<MBandDesign>(choice, limits);
+    const InForce changed{layout.bandCount, Latency(layout.bandCount, options), layout.mute,
+                          layout.bypass, options};
+    return std::make_shared<Part>(changed, std::make_unique<MBandDesign>(choice, limits));
 }
 
-// Under the change lock. A band that has not run for a while must not come back with what it last
-// heard.
-auto MAudioEffectPluginToAudioPluginMultiBandAdapter::MakePart(std::unique_ptr<MBandDesign> design)
-    -> std::shared_ptr<Part> {
-    const InForce changed{layout_.bandCount, LatencyOfLayout(), layout_.mute, layout_.bypass,
-                          options_};
-    auto part = std::make_shared<Part>(changed, std::move(design));
-    for (int band = publishedBands_; band < layout_.bandCount && band < EffectCount(); ++band) {
+// Under the change lock, before they are published. A band that has not run for a while must not
+// come back with what it last heard.
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::RestartReturningBands(
+    int bandCount) noexcept {
+    for (int band = publishedBands_; band < bandCount && band < EffectCount(); ++band) {
         Effect(band).RequestRestart();
     }
-    publishedBands_ = changed.bandCount;
-    return part;
 }
 
-// Also tells the base what the host will ask for.
-int MAudioEffectPluginToAudioPluginMultiBandAdapter::LatencyOfLayout() {
+// Under the change lock. Also tells the base what the host will ask for.
+void MAudioEffectPluginToAudioPluginMultiBandAdapter::NotePublished(
+    const InForce& inForce) noexcept {
+    publishedBands_ = inForce.bandCount;
+    if (EffectCount() == 0) return;
+    const int ownTail = Effect(0).Handle().TailLength();
+    const int crossoverTail = inForce.options.isLinearPhase ? kLinearPhaseTail : kAnalogTail;
+    SetLatency(inForce.latency,
+               ownTail < 0 ? -1 : ownTail + (inForce.bandCount > 1 ? crossoverTail : 0));
+}
+
+int MAudioEffectPluginToAudioPluginMultiBandAdapter::Latency(int bandCount,
+                                                             const MBandOptions& options) const {
     if (EffectCount() == 0) return 0;
-    const bool isSplit = layout_.bandCount > 1;
-    const bool isLate = isSplit && options_.isLinearPhase;
-    MEffectHandle& first = Effect(0).Handle();
-    const int latency = first.Latency() + (isLate ? MLinearPhaseCrossover::kDelay : 0);
-    const int ownTail = first.TailLength();
-    const int crossoverTail = options_.isLinearPhase ? kLinearPhaseTail : kAnalogTail;
-    SetLatency(latency, ownTail < 0 ? -1 : ownTail + (isSplit ? crossoverTail : 0));
-    return latency;
+    const bool isLate = bandCount > 1 && options.isLinearPhase;
+    return Effect(0).Handle().Latency() + (isLate ? MLinearPhaseCrossover::kDelay : 0);
 }
 
 int MAudioEffectPluginToAudioPluginMultiBandAdapter::MaximumLatency() const noexcept {

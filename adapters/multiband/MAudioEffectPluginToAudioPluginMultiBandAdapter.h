@@ -11,6 +11,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 
 /// An effect in up to six bands: one instance each, split by a crossover, summed again.
@@ -130,26 +131,43 @@ private:
     struct Stage final : MStage {
         MBandLayout layout;
         MBandOptions options;
-        std::unique_ptr<MBandDesign> design;
+        std::shared_ptr<Part> part;
         bool isLegacy = false;  // from before there were bands
     };
 
-    template <class Change>
-    void ChangeOrRestore(Change&& change);
-    template <class Change>
-    void ChangeLayout(Change&& change);
+    /// A change on its way: nothing that is in force changes until all that may fail is done.
+    struct Draft {
+        void SetDefaults(int bandCount);
+
+        MBandLayout layout;
+        MBandOptions options;
+        // Those that are to change, log10 of hertz.
+        std::array<std::optional<double>, MBandParameters::kLimits> limits{};
+    };
+
+    template <class Edit, class Write>
+    void ChangeLayout(Edit&& edit, Write&& write);
+    template <class Edit>
+    void ChangeLayout(Edit&& edit) {
+        ChangeLayout(edit, [] {});
+    }
+    template <class Edit, class Write>
+    void PutIntoForce(Edit&& edit, Write&& write);
+    void ApplyGlobalChange(bool bandsChanged);
+    void Keep(const Draft& draft);
     int DefaultBandCount();
     void ResetBands(int count);
-    void ResetUntouchedLimits(int count);
+    void ResetEffects(int count);
+    void DraftUntouchedLimits(Draft& draft);
     std::vector<MModulationTarget> RandomiserPool(MBandRandomiser::Kind kind);
-    void ApplyGlobalChange(bool bandsChanged);
     void PrepareBands(int bandCount);
     bool AreBandsPrepared(int bandCount) const;
     int RateOfDesigns() const noexcept;
-    std::unique_ptr<MBandDesign> Design(const MBandLayout& layout, const MBandOptions& options,
-                                        const MBandParameters::Limits& limits, int sampleRate);
-    std::shared_ptr<Part> MakePart(std::unique_ptr<MBandDesign> design);
-    int LatencyOfLayout();
+    std::shared_ptr<Part> MakePart(const MBandLayout& layout, const MBandOptions& options,
+                                   const MBandParameters::Limits& limits, int sampleRate);
+    void RestartReturningBands(int bandCount) noexcept;
+    void NotePublished(const InForce& inForce) noexcept;
+    int Latency(int bandCount, const MBandOptions& options) const;
     void FollowLimits(int sampleCount);
     void FillBlock() noexcept;
 

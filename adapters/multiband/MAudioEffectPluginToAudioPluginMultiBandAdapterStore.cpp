@@ -63,22 +63,24 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareStage(MStage& base)
         PrepareBands(stage.layout.bandCount);
         sampleRate = RateOfDesigns();
     }
-    stage.design = Design(stage.layout, stage.options, StagedLimits(stage), sampleRate);
+    stage.layout.DeriveSolo();
+    stage.part = MakePart(stage.layout, stage.options, StagedLimits(stage), sampleRate);
 }
 
 bool MAudioEffectPluginToAudioPluginMultiBandAdapter::CommitStage(MStage& base) {
     auto& stage = static_cast<Stage&>(base);
     const bool isReady = AreBandsPrepared(stage.layout.bandCount) &&
-                         stage.design->choice.sampleRate == RateOfDesigns();
+                         stage.part->design->choice.sampleRate == RateOfDesigns();
     if (!isReady) return false;
+    RestartReturningBands(stage.layout.bandCount);
+    PublishStage(stage, stage.part);
+    NotePublished(stage.part->inForce);
     {
         const MLock lock(settingsLock_);
         layout_ = stage.layout;
-        layout_.DeriveSolo();
         options_ = stage.options;
     }
     isLegacyState_.store(stage.isLegacy, std::memory_order_relaxed);
-    PublishStage(stage, MakePart(std::move(stage.design)));
     return true;
 }
 

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/MPluginState.h"
 #include "product/MProductFactory.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/Reports.h"
 #include "tests/support/RunPlugin.h"
 
 #include <gtest/gtest.h>
@@ -188,6 +191,33 @@ TEST(MProduct, BandsThatComeBackBringNoOldEchoes) {
         RunPlugin(*plugin, silence, output, 512);  // the only band that runs fades out
     }
     EXPECT_LT(DifferenceDb(silence, output, 0), -60);
+}
+
+TEST(MProduct, MakesAllOfNewBandsOrNothingHoweverMuchMemoryThereIs) {
+    const Reports reports;
+    const auto make = [] {
+        Product plugin = Make(2, true);
+        Set(*plugin, "Band limit 1", "500 Hz");
+        Set(*plugin, "B1 T1 Feedback", "-3 dB");
+        return plugin;
+    };
+    const Product unchanged = make(), changed = make();
+    changed->CreateDefaultBands(6);
+    bool isReached = true;
+    for (int allowed = 0; isReached && allowed < 1000; ++allowed) {
+        const Product plugin = make();
+        {
+            const AllocationLimit limit(allowed);
+            try {
+                plugin->CreateDefaultBands(6);
+            } catch (const std::exception&) {
+            }
+            isReached = limit.IsReached();
+        }
+        const Product& expected = plugin->Layout().bandCount == 6 ? changed : unchanged;
+        ASSERT_EQ(MPluginState::SaveText(*plugin), MPluginState::SaveText(*expected)) << allowed;
+    }
+    EXPECT_FALSE(isReached);
 }
 
 }  // namespace
