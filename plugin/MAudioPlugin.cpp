@@ -3,6 +3,7 @@
 
 #include "core/MXML.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -43,7 +44,7 @@ bool MAudioPlugin::SetSampleRate(int sampleRate) noexcept {
 
 bool MAudioPlugin::SetMaximumBlockSize(int sampleCount) noexcept {
     if (sampleCount < 1) return false;
-    blockSize_.store(sampleCount, std::memory_order_relaxed);
+    blockSize_.store(std::min(sampleCount, kLongestBlock), std::memory_order_relaxed);
     return true;
 }
 

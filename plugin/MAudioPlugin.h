@@ -80,8 +80,9 @@ public:
     /// One block: `inputs` is [InputChannelCount()][sampleCount], `outputs`
     /// [OutputChannelCount()][sampleCount]; they may be the same or overlap. A null channel or
     /// array of inputs stands for silence, a null output for one that nobody listens to. Without
-    /// samples only the parameters are taken over. Allocates when `sampleCount` exceeds the maximum
-    /// block size. [audio]
+    /// samples only the parameters are taken over. A block longer than kLongestBlock runs in
+    /// pieces; there, channels overlap sample for sample or not at all. Allocates when
+    /// `sampleCount` exceeds the maximum block size. [audio]
     virtual void Process(const float* const* inputs, float* const* outputs, int sampleCount);
     /// Lets the effect follow the parameters that were written. Every block begins with it. [audio]
     virtual void ProcessUpdate();
@@ -131,8 +132,10 @@ public:
     bool SetSampleRate(int sampleRate) noexcept;
     int SampleRate() const noexcept { return sampleRate_.load(std::memory_order_relaxed); }
 
-    /// Sets how long blocks get at most, in samples, from the next InitProcessing on. False, and
-    /// nothing changes, for less than one. [main]
+    /// The longest block that is made room for, in samples; longer ones run in pieces of it.
+    static constexpr int kLongestBlock = 1 << 17;
+    /// Sets how long blocks get at most, in samples, from the next InitProcessing on; more than
+    /// kLongestBlock is taken for that. False, and nothing changes, for less than one. [main]
     bool SetMaximumBlockSize(int sampleCount) noexcept;
     int MaximumBlockSize() const noexcept { return blockSize_.load(std::memory_order_relaxed); }
 

@@ -22,7 +22,7 @@ enum class MEffectCommand : std::int64_t {
     Query14 = 14,                ///< value
     SetFromDouble = 15,          ///< const double*
     Query20 = 20,                ///< value, value
-    InitEffectProcessing = 100,  ///< channel count, sample rate in hertz; 0 when ready
+    InitEffectProcessing = 100,  ///< channels, hertz, longest block in samples; 0 when ready
     ProcessEffect = 101,         ///< const MTransport*, inputs, outputs, sample count
     IsTailSilent = 102,          ///< -; 1 when silent
     Latency = 103,               ///< -; returns samples

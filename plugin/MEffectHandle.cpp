@@ -59,9 +59,9 @@ std::span<ParameterDefinition> MEffectHandle::Table() const {
     return {table->definitions, static_cast<std::size_t>(table->count)};
 }
 
-int MEffectHandle::Prepare(int channels, int sampleRate) {
+int MEffectHandle::Prepare(int channels, int sampleRate, int longestBlock) {
     return static_cast<int>(Send(MEffectCommand::InitEffectProcessing, std::int64_t{channels},
-                                 std::int64_t{sampleRate}));
+                                 std::int64_t{sampleRate}, std::int64_t{longestBlock}));
 }
 
 void MEffectHandle::ParameterChanged(int index) {

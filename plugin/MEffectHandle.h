@@ -30,9 +30,10 @@ public:
     /// The effect's records, valid as long as the effect. [any]
     std::span<ParameterDefinition> Table() const;
 
-    /// Makes the effect ready for 1..8 `channels` at `sampleRate` hertz, from silence. Answers 0
-    /// when it is. [setup]
-    int Prepare(int channels, int sampleRate);
+    /// Makes the effect ready for 1..8 `channels` at `sampleRate` hertz, from silence, and for
+    /// blocks of up to `longestBlock` frames (0: not known), so that none of these takes memory.
+    /// Answers 0 when it is. [setup]
+    int Prepare(int channels, int sampleRate, int longestBlock = 0);
     /// Tells the effect that the record at `index` was written; -1 stands for all of them. [any]
     void ParameterChanged(int index);
 

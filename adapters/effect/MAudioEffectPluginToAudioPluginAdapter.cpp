@@ -138,7 +138,9 @@ void MAudioEffectPluginToAudioPluginAdapter::UpdateMaxBufferSize() {
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::PrepareEffects() {
-    for (const auto& effect : effects_) effect->Prepare(activeLayout_.outputs, activeRate_);
+    for (const auto& effect : effects_) {
+        effect->Prepare(activeLayout_.outputs, activeRate_, MaximumBlockSize());
+    }
     MEffectHandle& first = effects_.front()->Handle();
     SetLatency(first.Latency(), std::max(first.TailLength(), -1));
 }

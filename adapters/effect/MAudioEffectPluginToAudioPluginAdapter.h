@@ -208,12 +208,13 @@ protected:
 
 private:
     void PrepareForProcessingOnce(const float* const* inputs, int sampleCount);
-    void RunFrame(const float* const* inputs, float* const* outputs, int sampleCount);
-    void RunPieces(int sampleCount);
+    void RunBlock(const float* const* inputs, float* const* outputs, int sampleCount);
+    void RunFrame(const float* const* inputs, float* const* outputs, int first, int count);
+    void RunPieces(int first, int sampleCount);
     void NoteOn(int channel, int note, double velocity) noexcept override;
     void NoteOff(int channel, int note) noexcept override;
-    void Modulate(const float* const* inputs, int start, int sampleCount) noexcept;
-    bool HappensInPieces(int sampleCount) const noexcept;
+    void Modulate(const float* const* inputs, int place, int sampleCount) noexcept;
+    bool HappensInPieces(int first, int count) const noexcept;
     void BeginBypass(int sampleCount);
     void Silence(float* const* outputs, int sampleCount) const noexcept;
     void Load(MStage& stage);

@@ -15,7 +15,7 @@ template <class Sample>
 class PieceChannels {
 public:
     PieceChannels(Sample* const* channels, int count, int start) noexcept : pointers_(channels) {
-        if (start == 0) return;
+        if (start == 0 || channels == nullptr) return;
         for (int channel = 0; channel < count; ++channel) {
             Sample* const samples = channels[channel];
             own_[channel] = samples != nullptr ? samples + start : nullptr;
@@ -73,27 +73,42 @@ void MAudioEffectPluginToAudioPluginAdapter::Process(const float* const* inputs,
             return;
         }
         const MFlushDenormals flush;
-        RunFrame(inputs, outputs, sampleCount);
+        RunBlock(inputs, outputs, std::max(sampleCount, 0));
     });
 }
 
-void MAudioEffectPluginToAudioPluginAdapter::RunFrame(const float* const* inputs,
+// There is room for blocks up to a bound; a longer one runs as several, each from a place within it
+// on. MIDI and the side chain go on counting from its start.
+void MAudioEffectPluginToAudioPluginAdapter::RunBlock(const float* const* inputs,
                                                       float* const* outputs, int sampleCount) {
-    const int count = std::max(sampleCount, 0);
+    midi_.BeginBlock(sampleCount);
+    PieceTransport transport(Transport(), activeRate_);
+    int first = 0;
+    do {
+        const int count = std::min(sampleCount - first, kLongestBlock);
+        const PieceChannels in(inputs, activeLayout_.inputs, first);
+        const PieceChannels out(outputs, activeLayout_.outputs, first);
+        transport.MoveTo(first);
+        RunFrame(in.Pointers(), out.Pointers(), first, count);
+        first += count;
+    } while (first < sampleCount);
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::RunFrame(const float* const* inputs,
+                                                      float* const* outputs, int first, int count) {
     const MStateHandOver::Block block(handOver_, count);
     modulation_.LookForNewer();
     handOver_.Take([&](const MStateHandOver::Publication& published) { AdoptChanges(published); });
     modulation_.Adopt(handOver_.Taken().modulation);
-    midi_.BeginBlock(count);
     channels_.Take(activeLayout_, inputs, outputs, count);
     const float* const* const in = channels_.Inputs();
     float* const* const out = channels_.Outputs();
 
     PrepareForProcessingOnce(in, count);
-    if (HappensInPieces(count)) {
-        RunPieces(count);
+    if (HappensInPieces(first, count)) {
+        RunPieces(first, count);
     } else {
-        midi_.ApplyUntil(count, this);
+        midi_.ApplyUntil(std::max(first + count - 1, 0), this);
         modulation_.FollowMultiParameters();
         if (updates_.load(std::memory_order_relaxed)) ProcessUpdate();
         if (count == 0) return;
@@ -110,9 +125,10 @@ void MAudioEffectPluginToAudioPluginAdapter::RunFrame(const float* const* inputs
     PostProcess(out, count);
 }
 
-bool MAudioEffectPluginToAudioPluginAdapter::HappensInPieces(int sampleCount) const noexcept {
-    if (sampleCount == 0) return false;
-    return modulation_.IsActive() || (midi_.MovesParameters() && midi_.NextEvent(0) < sampleCount);
+bool MAudioEffectPluginToAudioPluginAdapter::HappensInPieces(int first, int count) const noexcept {
+    if (count == 0) return false;
+    return modulation_.IsActive() ||
+           (midi_.MovesParameters() && midi_.NextEvent(first) < first + count);
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::BeginBypass(int sampleCount) {
@@ -125,21 +141,21 @@ void MAudioEffectPluginToAudioPluginAdapter::BeginBypass(int sampleCount) {
 }
 
 // Only what depends on parameters goes piece by piece; bypass and meters see the block as a whole.
-void MAudioEffectPluginToAudioPluginAdapter::RunPieces(int sampleCount) {
+void MAudioEffectPluginToAudioPluginAdapter::RunPieces(int first, int sampleCount) {
     const int channelCount = activeLayout_.outputs;
     PieceTransport transport(Transport(), activeRate_);
     const bool isModulated = modulation_.IsActive();
     MBlockPieces pieces(sampleCount, isModulated ? activeStandard_.maxLFOBlockSize : sampleCount);
     while (!pieces.IsDone()) {
         const int start = pieces.Start();
-        midi_.ApplyUntil(start, this);
-        const int count = pieces.Take(midi_.NextEvent(start + 1));
+        midi_.ApplyUntil(first + start, this);
+        const int count = pieces.Take(midi_.NextEvent(first + start + 1) - first);
         if (start == 0 && !pieces.IsDone()) channels_.SeparateInputs(channelCount, sampleCount);
         const PieceChannels in(channels_.Inputs(), channelCount, start);
         const PieceChannels out(channels_.Outputs(), channelCount, start);
         transport.MoveTo(start);
         if (isModulated) {
-            Modulate(in.Pointers(), start, count);
+            Modulate(in.Pointers(), first + start, count);
         } else {
             modulation_.FollowMultiParameters();
         }
@@ -149,9 +165,9 @@ void MAudioEffectPluginToAudioPluginAdapter::RunPieces(int sampleCount) {
     }
 }
 
-void MAudioEffectPluginToAudioPluginAdapter::Modulate(const float* const* inputs, int start,
+void MAudioEffectPluginToAudioPluginAdapter::Modulate(const float* const* inputs, int place,
                                                       int sampleCount) noexcept {
-    const PieceChannels sideChain(sideChain_, sideChain_ != nullptr ? sideChainCount_ : 0, start);
+    const PieceChannels sideChain(sideChain_, sideChain_ != nullptr ? sideChainCount_ : 0, place);
     modulation_.Advance({.transport = &Transport(),
                          .count = sampleCount,
                          .sampleRate = activeRate_,

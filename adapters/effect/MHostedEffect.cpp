@@ -26,15 +26,16 @@ MHostedEffect::MHostedEffect(MEffectEntry entry, std::string name)
     needsUpdate_ |= Bit(kAllRecords);
 }
 
-void MHostedEffect::Prepare(int channels, int sampleRate) {
+void MHostedEffect::Prepare(int channels, int sampleRate, int longestBlock) {
     marks_.store(0, std::memory_order_relaxed);  // preparing follows every record
     restart_.store(false, std::memory_order_relaxed);
     channels_.store(0, std::memory_order_relaxed);
-    if (handle_.Prepare(channels, sampleRate) != 0) {
+    if (handle_.Prepare(channels, sampleRate, longestBlock) != 0) {
         throw MException("The effect could not be prepared.");
     }
     hasRun_ = false;
     sampleRate_.store(sampleRate, std::memory_order_relaxed);
+    longestBlock_.store(longestBlock, std::memory_order_relaxed);
     channels_.store(channels, std::memory_order_release);
 }
 
@@ -73,7 +74,7 @@ void MHostedEffect::Process(const MTransport* transport, const float* const* inp
                             float* const* outputs, int count) {
     const bool restarts = restart_.load(std::memory_order_relaxed) &&
                           restart_.exchange(false, std::memory_order_acquire);
-    if (restarts && hasRun_ && handle_.Prepare(channels_, sampleRate_) != 0) {
+    if (restarts && hasRun_ && handle_.Prepare(channels_, sampleRate_, longestBlock_) != 0) {
         RequestRestart();  // the next block tries again
         throw MException("The effect could not start anew.");
     }

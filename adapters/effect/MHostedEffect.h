@@ -22,13 +22,15 @@ public:
     /// Valid as long as the effect. [any]
     std::span<ParameterDefinition> Records() const noexcept { return records_; }
 
-    /// Makes ready for 1..8 `channels` at `sampleRate` hertz, from silence, with the parameters as
-    /// they are. Throws MException when the effect refuses. [setup]
-    void Prepare(int channels, int sampleRate);
+    /// Makes ready for 1..8 `channels` at `sampleRate` hertz and blocks of up to `longestBlock`
+    /// frames, from silence, with the parameters as they are. Throws MException when the effect
+    /// refuses. [setup]
+    void Prepare(int channels, int sampleRate, int longestBlock = 0);
     /// Whether Prepare was last called with these, and has come to its end. [any]
-    bool IsPreparedFor(int channels, int sampleRate) const noexcept {
+    bool IsPreparedFor(int channels, int sampleRate, int longestBlock) const noexcept {
         return channels_.load(std::memory_order_acquire) == channels &&
-               sampleRate_.load(std::memory_order_relaxed) == sampleRate;
+               sampleRate_.load(std::memory_order_relaxed) == sampleRate &&
+               longestBlock_.load(std::memory_order_relaxed) == longestBlock;
     }
     /// Puts every record to its default. [main]
     void SetDefaults() noexcept;
@@ -65,5 +67,6 @@ private:
     std::atomic<bool> listChanged_{false};
     std::atomic<int> channels_{0};  // 0 while it is being prepared
     std::atomic<int> sampleRate_{0};
-    bool hasRun_ = false;  // since it was prepared
+    std::atomic<int> longestBlock_{0};  // frames
+    bool hasRun_ = false;               // since it was prepared
 };

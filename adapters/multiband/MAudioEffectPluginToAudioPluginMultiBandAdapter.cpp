@@ -89,8 +89,9 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareEffects() {
     const MLock lock(ChangeLock());
     preparedChannels_ = ActiveLayout().outputs;
     preparedRate_ = ActiveRate();
+    preparedBlock_ = MaximumBlockSize();
     for (int band = 0; band < layout_.bandCount; ++band) {
-        Effect(band).Prepare(preparedChannels_, preparedRate_);
+        Effect(band).Prepare(preparedChannels_, preparedRate_, preparedBlock_);
     }
     ApplyGlobalChange(true);
     HandOver().TakeStanding(
@@ -112,14 +113,15 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareBands(int bandCount
     if (preparedChannels_ == 0) return;
     for (int band = 0; band < bandCount; ++band) {
         MHostedEffect& effect = Effect(band);
-        if (effect.IsPreparedFor(preparedChannels_, preparedRate_)) continue;
-        effect.Prepare(preparedChannels_, preparedRate_);
+        if (effect.IsPreparedFor(preparedChannels_, preparedRate_, preparedBlock_)) continue;
+        effect.Prepare(preparedChannels_, preparedRate_, preparedBlock_);
     }
 }
 
 bool MAudioEffectPluginToAudioPluginMultiBandAdapter::AreBandsPrepared(int bandCount) const {
     for (int band = 0; band < bandCount && preparedChannels_ > 0; ++band) {
-        if (!Effect(band).IsPreparedFor(preparedChannels_, preparedRate_)) return false;
+        if (!Effect(band).IsPreparedFor(preparedChannels_, preparedRate_, preparedBlock_))
+            return false;
     }
     return true;
 }

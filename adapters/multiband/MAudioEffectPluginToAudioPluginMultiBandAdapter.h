@@ -197,6 +197,7 @@ private:
     // Written under both of these locks.
     int preparedChannels_ = 0;  // of the next block; 0 before the first InitProcessing
     int preparedRate_ = 0;      // hertz
+    int preparedBlock_ = 0;     // samples
 
     MBandProcessor processor_;
     MBandDesigner designer_{processor_};

@@ -66,6 +66,9 @@ void MBandProcessor::Reserve(const MBandBlock& block, int count) {
     unmetered.bandMeters = nullptr;
     SilentEffects effects(channels_);
     Process(unmetered, effects, inputs.data(), outputs.data(), count);
+    // Bands that are added later find theirs as well; it costs nothing until then.
+    for (MGrowingBuffer<float>& input : bandInputs_) Memory(input, count);
+    Memory(bandOutput_, count);
     Prepare(channels_);
 }
 

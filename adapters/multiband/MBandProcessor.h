@@ -35,8 +35,8 @@ public:
     /// Takes over the newest designs; before a block, or never in the course of one. [audio]
     void TakeDesigns() noexcept;
 
-    /// Makes the memory that Process would make on its first block of `count` frames with the bands
-    /// and the crossover of `block`. Starts from silence. [setup]
+    /// Makes the memory that Process would make on its first block of `count` frames with the
+    /// crossover of `block` and any number of bands. Starts from silence. [setup]
     void Reserve(const MBandBlock& block, int count);
 
     /// One block of the prepared channels; `inputs` and `outputs` are [channels][count] and may
@@ -47,7 +47,7 @@ public:
     /// The output gain is deliberately not ramped: its start is heard through the whole block, a
     /// change as a step at the start of the next one.
     ///
-    /// Allocates when `count` exceeds every block so far, a band runs for the first time or the
+    /// Allocates when `count` exceeds every block so far and what was reserved, or the
     /// linear-phase crossover splits for the first time. [audio]
     void Process(const MBandBlock& block, MBandEffects& effects, const float* const* inputs,
                  float* const* outputs, int count);

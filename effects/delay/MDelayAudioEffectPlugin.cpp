@@ -9,6 +9,8 @@
 namespace {
 
 constexpr std::int64_t kHighestSampleRate = 1 << 22;  // hertz: far above any converter
+constexpr std::int64_t kLongestReservedBlock = 1
+                                               << 17;  // samples; a longer one grows what it needs
 
 }  // namespace
 
@@ -23,6 +25,8 @@ std::int64_t MDelayAudioEffectPlugin::Dispatch(MEffectCommand command,
     const MEffectArgument* const a = given.values;
     switch (command) {
         case MEffectCommand::InitEffectProcessing: {
+            longestBlock_ =
+                static_cast<int>(std::clamp(a[2].integer, std::int64_t{0}, kLongestReservedBlock));
             const int result = InitEffectProcessing(a[0].integer, a[1].integer);
             UpdateProcessing();
             ResetSmoothing();
@@ -59,7 +63,7 @@ int MDelayAudioEffectPlugin::InitEffectProcessing(std::int64_t channels, std::in
         throw MException("Invalid number of channels.");
     if (sampleRate < 1 || sampleRate > kHighestSampleRate) throw MException("Invalid sample rate.");
     const MLock lock(parameterLock_);
-    engine_.Prepare(static_cast<int>(channels), static_cast<int>(sampleRate));
+    engine_.Prepare(static_cast<int>(channels), static_cast<int>(sampleRate), longestBlock_);
     return 0;
 }
 

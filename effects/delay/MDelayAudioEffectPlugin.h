@@ -26,4 +26,5 @@ private:
 
     MDelayParameters parameters_;
     MDelayEngine engine_;
+    int longestBlock_ = 0;  // samples, that was announced
 };

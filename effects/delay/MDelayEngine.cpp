@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "effects/delay/MDelayEngine.h"
 
+#include <algorithm>
+
 namespace {
 
-constexpr int kReservedBlock = 2048;  // samples; longer blocks make their room when they come
+constexpr int kReservedBlock = 2048;  // samples; there is room for as many, whatever is announced
 
 }  // namespace
 
-void MDelayEngine::Prepare(int channels, int sampleRate) {
+void MDelayEngine::Prepare(int channels, int sampleRate, int longestBlock) {
     // First what may fail for want of memory, so that a failure leaves everything as it was.
-    for (int channel = 0; channel < channels; ++channel) inputScratch_[channel].Get(kReservedBlock);
-    freezeScratch_.Get(kReservedBlock * channels);
+    const int room = std::max(longestBlock, kReservedBlock);
+    for (int channel = 0; channel < channels; ++channel) inputScratch_[channel].Get(room);
+    freezeScratch_.Get(room * channels);
     // Another rate asks for other memory; at the same one, lines keep what they have had.
     if (sampleRate != sampleRate_) {
         for (MDelayTap& tap : taps_) tap.Free();

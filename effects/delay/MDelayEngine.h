@@ -24,8 +24,8 @@ public:
         : kernels_(*kernels.delay) {}
 
     /// Starts from silence for 1 to 8 `channels` at `sampleRate` hertz; an Update must follow.
-    /// [setup]
-    void Prepare(int channels, int sampleRate);
+    /// Blocks of up to `longestBlock` samples, and of 2048 in any case, take no memory. [setup]
+    void Prepare(int channels, int sampleRate, int longestBlock = 0);
 
     /// Follows the settings that cost more than reading them: switches, lengths, filters. Does
     /// nothing before the first Prepare. Allocates when a tap is switched on

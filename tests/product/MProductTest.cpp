@@ -220,4 +220,31 @@ TEST(MProduct, MakesAllOfNewBandsOrNothingHoweverMuchMemoryThereIs) {
     EXPECT_FALSE(isReached);
 }
 
+TEST(MProduct, MakesRoomForTheAnnouncedBlockAndRunsLongerOnesInPieces) {
+    constexpr int kLongest = MAudioPlugin::kLongestBlock;
+    const auto make = [](int announced) {
+        Product plugin = Make(3);
+        for (const char* key : {"B1 T1 Freeze", "B2 T1 Freeze"}) Set(*plugin, key, "On");
+        MMIDISettings midi;
+        midi.controllers[0] = {true, {.number = 7}, {"Dry", 0}, {}};
+        plugin->MIDI().SetSettings(midi);
+        plugin->SetMaximumBlockSize(announced);
+        plugin->InitProcessing();
+        return plugin;
+    };
+    Channels input(2, kLongest + 5000, 1), one(2, kLongest + 5000), other(2, kLongest + 5000);
+    const Product usual = make(4096), whole = make(1 << 30), parts = make(1 << 30);
+    {
+        const AllocationCounter allocations;
+        usual->Process(input.From(0), one.From(0), 4096);
+        whole->ProcessMIDIEvent(kLongest + 100, {0xB0, 7, 0, 0});
+        whole->Process(input.From(0), one.From(0), input.Length());
+        EXPECT_EQ(allocations.Count(), 0);
+    }
+    parts->Process(input.From(0), other.From(0), kLongest);
+    parts->ProcessMIDIEvent(100, {0xB0, 7, 0, 0});
+    parts->Process(input.From(kLongest), other.From(kLongest), 5000);
+    EXPECT_EQ(DifferenceDb(one, other, 0), -400);
+}
+
 }  // namespace
