@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/MAudioPlugin.h"
 
+#include "core/MFailureReporter.h"
+#include "core/MFormat.h"
 #include "core/MXML.h"
 
 #include <algorithm>
@@ -36,8 +38,14 @@ int MAudioPlugin::GetTailLength() const noexcept { return 0; }
 MAudioPluginEditor* MAudioPlugin::CreateEditor() { return nullptr; }
 bool MAudioPlugin::HasEditor() const noexcept { return false; }
 
-bool MAudioPlugin::SetSampleRate(int sampleRate) noexcept {
-    if (sampleRate < 1 || sampleRate > kHighestSampleRate) return false;
+bool MAudioPlugin::SetSampleRate(int sampleRate) {
+    if (sampleRate < 1) return false;
+    if (sampleRate > kHighestSampleRate) {
+        MFailureReporter::Report(
+            MFormat("The sample rate stays at {0} Hz: {1} Hz is the highest that is possible.",
+                    SampleRate(), kHighestSampleRate));
+        return false;
+    }
     sampleRate_.store(sampleRate, std::memory_order_relaxed);
     return true;
 }

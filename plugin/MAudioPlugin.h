@@ -128,8 +128,8 @@ public:
     bool IsScanned() const noexcept { return isScanned_.load(std::memory_order_relaxed); }
 
     /// Sets the rate in hertz, from the next InitProcessing on. False, and nothing changes, for
-    /// what no converter has. [main]
-    bool SetSampleRate(int sampleRate) noexcept;
+    /// what no converter has; a rate that is too high is reported. [main]
+    bool SetSampleRate(int sampleRate);
     int SampleRate() const noexcept { return sampleRate_.load(std::memory_order_relaxed); }
 
     /// The longest block that is made room for, in samples; longer ones run in pieces of it.

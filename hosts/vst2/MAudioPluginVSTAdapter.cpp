@@ -17,7 +17,7 @@ constexpr const char* kCreationFailed = "Error creating Vst plugin object.";
 constexpr VstInt32 kStereoOnlyVersion = 2300;  // hosts below know stereo buses alone
 constexpr VstInt32 kFirstVersion = 100;        // hosts below connect two inputs at least
 constexpr float kHighestProbeRate = 100.5f;    // hertz; rounds to 101
-constexpr float kHighestRate = 1e9f;           // hertz; beyond lies what no integer holds
+constexpr float kHighestRate = 1e9f;  // hertz; an integer holds it, and the plug-in refuses it
 constexpr std::chrono::milliseconds kPauseOfMoves{100};
 
 }  // namespace
@@ -84,8 +84,9 @@ void MAudioPluginVSTAdapter::setSampleRate(float rate) {
     Guard("MAudioPluginVSTAdapter::setSampleRate", [&] {
         AudioEffectX::setSampleRate(rate);
         // Hosts probe with nonsense; the plug-in keeps the last usable rate.
-        if (!(rate >= kHighestProbeRate && rate < kHighestRate)) return;
-        const int rounded = static_cast<int>(std::floor(static_cast<double>(rate) + 0.5));
+        if (!(rate >= kHighestProbeRate)) return;
+        const auto held = static_cast<double>(std::min(rate, kHighestRate));
+        const int rounded = static_cast<int>(std::floor(held + 0.5));
         if (!plugin_->SetSampleRate(rounded)) return;
         transport_.SetSampleRate(rounded);
         plugin_->InitProcessing();

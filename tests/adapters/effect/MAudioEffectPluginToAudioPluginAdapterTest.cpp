@@ -16,6 +16,7 @@
 #include <thread>
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 namespace {
 
@@ -224,9 +225,11 @@ TEST(MAudioEffectPluginToAudioPluginAdapter, StepsThroughPresetsOncePerPressAfte
 
 TEST(MAudioEffectPluginToAudioPluginAdapter, RefusesRatesAndSizesThatNoHostHas) {
     const auto adapter = MakeAdapter();
+    const Reports reports;
     for (const int rate : {0, -44100, 1 << 30}) EXPECT_FALSE(adapter->SetSampleRate(rate)) << rate;
     EXPECT_FALSE(adapter->SetMaximumBlockSize(0));
     EXPECT_EQ(adapter->SampleRate(), 44100);
+    EXPECT_THAT(reports.texts, ElementsAre(HasSubstr("4194304 Hz is the highest")));
     EXPECT_EQ(adapter->MaximumBlockSize(), 1024);
     adapter->SetSampleRate(96000);
     EXPECT_EQ(ProbeEffect::Noted().sampleRate, 44100) << "a running effect keeps its rate";

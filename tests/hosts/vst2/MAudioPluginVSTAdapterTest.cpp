@@ -111,6 +111,7 @@ TEST_F(MAudioPluginVSTAdapterTest, TakesUsableRatesOnly) {
         EXPECT_EQ(probe->SampleRate(), expected) << rate;
     }
     EXPECT_EQ(probe->initialised, 1 + 3);  // once while it was made
+    EXPECT_EQ(reports.texts.size(), 1u) << "of 1e30 Hz";
     Call(effSetBlockSize, 0, 333);
     Call(effMainsChanged, 0, 0);
     Call(effMainsChanged, 0, 1);
