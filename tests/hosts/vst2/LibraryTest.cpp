@@ -16,6 +16,7 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <utility>
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -164,9 +165,11 @@ TEST_F(Library, LoadsNothingFromWhatIsNoState) {
 TEST_F(Library, RunsBlocksOfAnyLengthWheneverTheHostLikes) {
     MVst2Host early(entry);  // never told of a rate, a block size or to resume
     const std::vector<float> expected = Play(early, 4096, 4096);
-    for (const int block : {1, 7, 100, 3000}) {
+    constexpr int kMost = std::numeric_limits<int>::max();
+    for (const auto& [block, announced] :
+         {std::pair(1, 64), {7, 64}, {100, kMost}, {3000, 64}, {4096, 1 << 30}}) {
         MVst2Host host(entry);
-        ASSERT_TRUE(host.Start(2, 44100, 64));
+        for (const int channels : {1, 2}) ASSERT_TRUE(host.Start(channels, 44100, announced));
         const std::vector<float> played = Play(host, 4096, block);
         for (std::size_t i = 0; i < played.size(); ++i) {
             ASSERT_NEAR(played[i], expected[i], 1e-6f) << block << " " << i;
