@@ -208,7 +208,7 @@ protected:
 
 private:
     void PrepareForProcessingOnce(const float* const* inputs, int sampleCount);
-    void RunBlock(const float* const* inputs, float* const* outputs, int sampleCount);
+    void RunLongBlock(const float* const* inputs, float* const* outputs, int sampleCount);
     void RunFrame(const float* const* inputs, float* const* outputs, int first, int count);
     void RunPieces(int first, int sampleCount);
     void NoteOn(int channel, int note, double velocity) noexcept override;

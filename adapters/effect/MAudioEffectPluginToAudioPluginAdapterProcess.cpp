@@ -73,25 +73,29 @@ void MAudioEffectPluginToAudioPluginAdapter::Process(const float* const* inputs,
             return;
         }
         const MFlushDenormals flush;
-        RunBlock(inputs, outputs, std::max(sampleCount, 0));
+        const int count = std::max(sampleCount, 0);
+        midi_.BeginBlock(count);
+        if (count <= kLongestBlock) [[likely]] {
+            RunFrame(inputs, outputs, 0, count);
+        } else {
+            RunLongBlock(inputs, outputs, count);
+        }
     });
 }
 
-// There is room for blocks up to a bound; a longer one runs as several, each from a place within it
-// on. MIDI and the side chain go on counting from its start.
-void MAudioEffectPluginToAudioPluginAdapter::RunBlock(const float* const* inputs,
-                                                      float* const* outputs, int sampleCount) {
-    midi_.BeginBlock(sampleCount);
+// There is no room for such a block: it runs as several, each from a place within it on. MIDI and
+// the side chain go on counting from its start.
+void MAudioEffectPluginToAudioPluginAdapter::RunLongBlock(const float* const* inputs,
+                                                          float* const* outputs, int sampleCount) {
     PieceTransport transport(Transport(), activeRate_);
-    int first = 0;
-    do {
+    for (int first = 0; first < sampleCount;) {
         const int count = std::min(sampleCount - first, kLongestBlock);
         const PieceChannels in(inputs, activeLayout_.inputs, first);
         const PieceChannels out(outputs, activeLayout_.outputs, first);
         transport.MoveTo(first);
         RunFrame(in.Pointers(), out.Pointers(), first, count);
         first += count;
-    } while (first < sampleCount);
+    }
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::RunFrame(const float* const* inputs,

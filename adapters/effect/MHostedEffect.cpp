@@ -74,12 +74,15 @@ void MHostedEffect::Process(const MTransport* transport, const float* const* inp
                             float* const* outputs, int count) {
     const bool restarts = restart_.load(std::memory_order_relaxed) &&
                           restart_.exchange(false, std::memory_order_acquire);
-    if (restarts && hasRun_ && handle_.Prepare(channels_, sampleRate_, longestBlock_) != 0) {
-        RequestRestart();  // the next block tries again
-        throw MException("The effect could not start anew.");
-    }
+    if (restarts && hasRun_) Restart();
     hasRun_ = true;
     handle_.Process(transport, inputs, outputs, count);
+}
+
+void MHostedEffect::Restart() {
+    if (handle_.Prepare(channels_, sampleRate_, longestBlock_) == 0) return;
+    RequestRestart();  // the next block tries again
+    throw MException("The effect could not start anew.");
 }
 
 std::int64_t MHostedEffect::Notify(void* context, std::int64_t notification,

@@ -55,6 +55,7 @@ public:
     bool TakeListChanged() noexcept { return listChanged_.exchange(false); }
 
 private:
+    [[gnu::cold]] void Restart();
     static std::int64_t Notify(void* context, std::int64_t notification,
                                const MEffectArguments* arguments);
 

@@ -47,8 +47,8 @@ void MPresetTriggers::Run(int sampleCount) noexcept {
         if ((pressed & Bit(i)) != 0) {
             if (mayAct_[i]) steps += i == 0 ? -1 : 1;
             mayAct_[i] = false;
-        } else if (sampleCount > 0) {
-            mayAct_[i] = !records_[i].IsOn();
+        } else if (sampleCount > 0 && !mayAct_[i]) {
+            mayAct_[i] = !records_[i].IsOn();  // and stays so until the next press
         }
     }
     if (stepper_ != nullptr && steps != 0) stepper_->PostStep(steps);
