@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/effect/MHostedEffect.h"
+#include "core/MException.h"
 #include "effects/delay/MDelayAudioEffectPluginInterface.h"
 #include "effects/delay/MDelayParameters.h"
 #include "tests/support/ProbeEffect.h"
@@ -82,6 +83,24 @@ TEST(MHostedEffect, SaysWhatTheEffectHasSaid) {
     effect.Update();
     EXPECT_TRUE(effect.TakeListChanged());
     EXPECT_FALSE(effect.TakeListChanged());
+}
+
+TEST(MHostedEffect, TriesAgainToStartAnewUntilItSucceeds) {
+    MHostedEffect effect(ProbeEffect::Reset(), "Band 1");
+    effect.Prepare(1, 48000);
+    float sample = 0;
+    float* const channels[] = {&sample};
+    const auto run = [&] {
+        const MTransport transport;
+        effect.Process(&transport, channels, channels, 1);
+    };
+    run();
+    effect.RequestRestart();
+    ProbeEffect::Reset({.prepareResult = 1});
+    for (int block = 0; block < 2; ++block) EXPECT_THROW(run(), MException);
+    ProbeEffect::Reset();
+    run();
+    EXPECT_EQ(ProbeEffect::Noted().sampleRate, 48000) << "prepared once more";
 }
 
 }  // namespace
