@@ -14,7 +14,7 @@ public:
     double Curve(double x) const noexcept;
 
     /// One sample through the stage with `amount` 0..1 of saturation, by the standard library's
-    /// tanh: the exact form of what the kernels compute, without their limit. [any]
+    /// tanh: the exact form of what the kernels compute. [any]
     double Process(double sample, double amount) const noexcept;
 
     /// What the kernel needs for `amount` 0..1; only for a curve that starts at 0. [audio]

@@ -41,7 +41,7 @@ void Kernel(benchmark::State& state, const MKernelSet& kernels) {
     std::vector<double> output(input.size());
     for (auto _ : state) {
         output = input;
-        kernels.delay->saturate(settings, 10, output.data(), static_cast<int>(output.size()));
+        kernels.delay->saturate(settings, output.data(), static_cast<int>(output.size()));
         benchmark::DoNotOptimize(output.data());
         benchmark::ClobberMemory();
     }

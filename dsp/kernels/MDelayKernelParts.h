@@ -13,7 +13,7 @@ namespace M_KERNEL_NAMESPACE {
 void FilterLoop(const MFilterPair& filters, double limit, double* const* samples, int channels,
                 int count);
 void FilterInput(const MFilterPair& filters, float* const* samples, int channels, int count);
-void Saturate(const MSaturationSettings& settings, double limit, double* samples, int count);
+void Saturate(const MSaturationSettings& settings, double* samples, int count);
 
 void Stretch(const MStretch& stretch, const float* from, float* to, int count);
 

@@ -98,8 +98,7 @@ struct MDelayKernels {
     /// The same on single-precision samples without a limit.
     void (*filterInput)(const MFilterPair& filters, float* const* samples, int channels, int count);
 
-    /// In place; the results are limited to +-`limit`.
-    void (*saturate)(const MSaturationSettings& settings, double limit, double* samples, int count);
+    void (*saturate)(const MSaturationSettings& settings, double* samples, int count);
     /// loop = (1 - position) loop + position echo.
     void (*freeze)(const float* position, const float* echo, double* loop, int count);
     /// line = loop, limited to +-`ceiling`.

@@ -110,11 +110,11 @@ void FilterInput(const MFilterPair& filters, float* const* samples, int channels
     Filter<false>(filters, 0, samples, channels, count);
 }
 
-void Saturate(const MSaturationSettings& settings, double limit, double* samples, int count) {
+void Saturate(const MSaturationSettings& settings, double* samples, int count) {
     const MSaturationSettings s = settings;
     ForEach(count, [=](int i, auto lanes) {
         using D = typename decltype(lanes)::Type;
-        const D one = lanes.Splat(1.0), high = lanes.Splat(limit);
+        const D one = lanes.Splat(1.0);
         const D x = Load<D>(samples + i);
         const D size = x < D{} ? -x : x;
         const D inside = size < one ? size : one;
@@ -122,8 +122,7 @@ void Saturate(const MSaturationSettings& settings, double limit, double* samples
         const D bent = size < one ? curve : one;
         const D r = x < D{} ? -bent : bent;
         const D even = r + s.even * ((r - x) * (r - x));
-        const D mixed = (1.0 - s.amount) * x + s.amount * even;
-        Store(samples + i, mixed > high ? high : (mixed < -high ? -high : mixed));
+        Store(samples + i, (1.0 - s.amount) * x + s.amount * even);
     });
 }
 

@@ -53,7 +53,10 @@ void MDelayTap::Update(const MDelayTapSettings& settings, int sampleRate,
     }
     memory_->Reserve(channels_, sampleRate);
     scratch.Get(MDelayLine::kLongestSettled);
-    if (!settings.isSynchronised) length_ = DelaySamples(settings, sampleRate);
+    if (!settings.isSynchronised) {
+        length_ = DelaySamples(settings, sampleRate);
+        SetLengths(scratch);
+    }
     if (UsesPredelay()) SetPredelays(settings, sampleRate, scratch);
     isEnabled_ = true;
 }
@@ -66,7 +69,15 @@ void MDelayTap::BeginBlock(const MDelayTapSettings& settings, int sampleRate, do
     } else if (length_ == 0) {
         length_ = DelaySamples(settings, sampleRate);
     }
-    for (int channel = 0; channel < channels_; ++channel) Line(channel).Resize(length_, scratch);
+    SetLengths(scratch);
+}
+
+// With each block, since a long line may have had to wait with its last change.
+void MDelayTap::SetLengths(MGrowingBuffer<float>& scratch) {
+    for (int channel = 0; channel < channels_; ++channel) {
+        MDelayLine& line = Line(channel);
+        if (line.Length() != length_) line.Resize(length_, scratch);
+    }
 }
 
 void MDelayTap::SetPredelays(const MDelayTapSettings& settings, int sampleRate,

@@ -47,6 +47,7 @@ public:
     MDelayLine& Predelay(int side) noexcept { return memory_->predelays[side]; }
 
 private:
+    void SetLengths(MGrowingBuffer<float>& scratch);
     void SetPredelays(const MDelayTapSettings& settings, int sampleRate,
                       MGrowingBuffer<float>& scratch);
 

@@ -9,7 +9,7 @@ namespace {
 
 /// Neither a resonant filter nor the even part of the saturation may run away with the loop: it
 /// comes back as soon as the feedback or the level does. What stays below +20 dB is untouched.
-constexpr double kLoopLimit = 10;
+constexpr float kLoopLimit = 10;
 
 }  // namespace
 
@@ -128,12 +128,13 @@ void MDelayTapLoop::RunLoop(Piece& piece) noexcept {
     const MDelayKernels& kernels = surroundings_.kernels;
     const bool isDirect = IsDirect();
     if (!isDirect) MixLoop(piece);
+    const float ceiling = surroundings_.saturation != nullptr ? kLoopLimit : kLoopCeiling;
     for (int side = 0; side < piece.channels; ++side) {
         if (isDirect) {
             kernels.exchange(mix_, ramps_, piece.input[side], piece.line[side], piece.echo[side],
                              kLoopCeiling, piece.count);
         } else {
-            kernels.store(piece.loop[side], piece.line[side], kLoopCeiling, piece.count);
+            kernels.store(piece.loop[side], piece.line[side], ceiling, piece.count);
         }
     }
 }
@@ -155,11 +156,11 @@ void MDelayTapLoop::MixLoop(Piece& piece) noexcept {
     }
     if (surroundings_.filters.FiltersFeedback()) {
         kernels.filterLoop(surroundings_.filters.ForFeedback(tap_.FilterStates(), piece.channel),
-                           kLoopLimit, loop, piece.channels, piece.count);
+                           static_cast<double>(kLoopLimit), loop, piece.channels, piece.count);
     }
     for (int side = 0; side < piece.channels; ++side) {
         if (surroundings_.saturation != nullptr) {
-            kernels.saturate(*surroundings_.saturation, kLoopLimit, loop[side], piece.count);
+            kernels.saturate(*surroundings_.saturation, loop[side], piece.count);
         }
         if (surroundings_.freeze != nullptr) {
             kernels.freeze(surroundings_.freeze[piece.channel + side] + piece.start,

@@ -7,9 +7,11 @@
 
 namespace {
 
-constexpr double kCeiling = 1e9;
+constexpr double kCeiling = 1e9, kSaturatedCeiling = 10;
 
-float Store(double sample) { return static_cast<float>(std::clamp(sample, -kCeiling, kCeiling)); }
+float Store(double sample, double ceiling) {
+    return static_cast<float>(std::clamp(sample, -ceiling, ceiling));
+}
 
 double Squared(const MBlockRamp& ramp, int i, int count) {
     const MLinearRamp line = ramp.Squared(count);
@@ -27,7 +29,7 @@ double Saturate(double sample, double amount) {
     const double bent =
         size < 1 ? std::tanh(std::numbers::pi * size) / std::tanh(std::numbers::pi) : 1;
     const double r = x < 0 ? -bent : bent;
-    return std::clamp((1 - amount) * x + amount * (r + 0.7 * (r - x) * (r - x)), -10.0, 10.0);
+    return (1 - amount) * x + amount * (r + 0.7 * (r - x) * (r - x));
 }
 
 }  // namespace
@@ -243,5 +245,5 @@ void MReferenceDelay::Finish(const Block& block, Channel& channel, double loop, 
         loop = (1 - p) * loop + p * static_cast<double>(echo);
         position_ = std::clamp(position_ + step_, 0.0f, 1.0f);
     }
-    channel.line.Push(Store(loop));
+    channel.line.Push(Store(loop, block.all.saturation > 1e-8 ? kSaturatedCeiling : kCeiling));
 }

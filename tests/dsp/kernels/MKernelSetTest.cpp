@@ -20,7 +20,7 @@ std::vector<double> RunKernels(const MDelayKernels& kernels, int count, int offs
     std::vector<double> loop(600);
     for (float& sample : in) sample = static_cast<float>(uniform(generator));
     for (double& sample : loop) sample = uniform(generator);
-    kernels.saturate({3.1, 1.01, 0.7, 0.8}, 10, &loop[offset], count);
+    kernels.saturate({3.1, 1.01, 0.7, 0.8}, &loop[offset], count);
     std::vector<double> results = loop;
     const auto keep = [&] { results.insert(results.end(), out.begin(), out.end()); };
     for (const double rate : {0.001, 0.4, 0.985, 1.0, 1.004, 1.9}) {
