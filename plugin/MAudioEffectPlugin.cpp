@@ -84,6 +84,7 @@ void MAudioEffectPlugin::ParameterChanged(std::int64_t /*index*/) {}
 void MAudioEffectPlugin::Reserved7(std::int64_t /*value*/) {}
 void MAudioEffectPlugin::Reserved8(std::int64_t /*value*/) {}
 void MAudioEffectPlugin::Reserved28(std::int64_t /*value*/) {}
+void MAudioEffectPlugin::ReserveFor(std::span<const double> /*values*/) {}
 void MAudioEffectPlugin::StateNotification(int /*what*/, MXMLNode /*state*/) {}
 std::int32_t MAudioEffectPlugin::Query16(std::int64_t /*value*/) { return -1; }
 std::int32_t MAudioEffectPlugin::SetFromDouble(double /*value*/) { return 0; }

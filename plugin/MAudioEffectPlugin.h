@@ -7,6 +7,7 @@
 #include "plugin/MTransport.h"
 
 #include <cstdint>
+#include <span>
 
 /// The DSP core of a plug-in without any host knowledge: it owns its records, prepares for a
 /// channel count and a sample rate, processes blocks, saves and loads its parameters.
@@ -67,6 +68,9 @@ public:
     virtual std::int32_t Query26() { return 0; }
     virtual std::int32_t Query27() { return -1; }
     virtual void Reserved28(std::int64_t value);
+    /// Makes the memory that processing needs once the records have `values`, one for each in their
+    /// order, so that the update that follows them need not. [main]
+    virtual void ReserveFor(std::span<const double> values);
 
 protected:
     MAudioEffectPlugin() = default;

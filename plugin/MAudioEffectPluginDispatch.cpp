@@ -57,6 +57,12 @@ std::int64_t MAudioEffectPlugin::DispatchCommon(MEffectCommand command,
                        : 0;
         case MEffectCommand::Query20:
             return Query20(first.integer, second.integer);
+        case MEffectCommand::ReserveFor:
+            if (first.pointer != nullptr && second.integer == table_.count) {
+                ReserveFor({static_cast<const double*>(first.pointer),
+                            static_cast<std::size_t>(table_.count)});
+            }
+            return 0;
         default:
             return 0;
     }

@@ -30,6 +30,7 @@ enum class MEffectCommand : std::int64_t {
     TailLength = 105,            ///< -; returns samples, negative for without end
     Reserved106 = 106,           ///< -
     Reserved107 = 107,           ///< -
+    ReserveFor = 108,            ///< const double*, count
 };
 
 /// One argument of a command: a tag that nobody reads and eight bytes of payload.

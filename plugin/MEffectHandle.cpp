@@ -64,6 +64,11 @@ int MEffectHandle::Prepare(int channels, int sampleRate, int longestBlock) {
                                  std::int64_t{sampleRate}, std::int64_t{longestBlock}));
 }
 
+void MEffectHandle::ReserveFor(std::span<const double> values) {
+    Send(MEffectCommand::ReserveFor, static_cast<const void*>(values.data()),
+         static_cast<std::int64_t>(values.size()));
+}
+
 void MEffectHandle::ParameterChanged(int index) {
     Send(MEffectCommand::ParameterChanged, std::int64_t{index});
 }

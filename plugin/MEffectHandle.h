@@ -34,6 +34,8 @@ public:
     /// blocks of up to `longestBlock` frames (0: not known), so that none of these takes memory.
     /// Answers 0 when it is. [setup]
     int Prepare(int channels, int sampleRate, int longestBlock = 0);
+    /// Makes the memory that the effect needs once its records have `values`. [main]
+    void ReserveFor(std::span<const double> values);
     /// Tells the effect that the record at `index` was written; -1 stands for all of them. [any]
     void ParameterChanged(int index);
 

@@ -161,7 +161,9 @@ protected:
     virtual void ReadIntoStage(MStage& stage);
     /// Makes everything ready that the stage needs before it can be committed; without any lock.
     /// [main]
-    virtual void PrepareStage(MStage& /*stage*/) {}
+    virtual void PrepareStage(MStage& stage);
+    /// Makes the memory that the first `count` effects need for a staged state. [main]
+    void ReserveEffects(MStage& stage, int count);
     /// Puts the stage into force, under the change lock. False when it has to be prepared again.
     /// [main]
     virtual bool CommitStage(MStage& stage);

@@ -79,6 +79,17 @@ void MAudioEffectPluginToAudioPluginAdapter::Load(MStage& stage) {
     ReportParameterChanges();
 }
 
+void MAudioEffectPluginToAudioPluginAdapter::PrepareStage(MStage& stage) {
+    ReserveEffects(stage, EffectCount());
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::ReserveEffects(MStage& stage, int count) {
+    for (int index = 0; index < count; ++index) {
+        MHostedEffect& effect = Effect(index);
+        effect.Handle().ReserveFor(stateRecords_.Of(effect, stage.values));
+    }
+}
+
 bool MAudioEffectPluginToAudioPluginAdapter::TryCommit(MStage& stage) {
     const MLock lock(changeLock_);
     if (!CommitStage(stage)) return false;

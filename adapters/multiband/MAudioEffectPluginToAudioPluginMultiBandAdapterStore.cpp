@@ -63,6 +63,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::PrepareStage(MStage& base)
         PrepareBands(stage.layout.bandCount);
         sampleRate = RateOfDesigns();
     }
+    ReserveEffects(stage, stage.layout.bandCount);
     stage.layout.DeriveSolo();
     stage.part = MakePart(stage.layout, stage.options, StagedLimits(stage), sampleRate);
 }

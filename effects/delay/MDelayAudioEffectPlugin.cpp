@@ -28,6 +28,7 @@ std::int64_t MDelayAudioEffectPlugin::Dispatch(MEffectCommand command,
             longestBlock_ =
                 static_cast<int>(std::clamp(a[2].integer, std::int64_t{0}, kLongestReservedBlock));
             const int result = InitEffectProcessing(a[0].integer, a[1].integer);
+            Reserve(parameters_.ReadForUpdate());
             UpdateProcessing();
             ResetSmoothing();
             return result;
@@ -65,6 +66,23 @@ int MDelayAudioEffectPlugin::InitEffectProcessing(std::int64_t channels, std::in
     const MLock lock(parameterLock_);
     engine_.Prepare(static_cast<int>(channels), static_cast<int>(sampleRate), longestBlock_);
     return 0;
+}
+
+void MDelayAudioEffectPlugin::ReserveFor(std::span<const double> values) {
+    Reserve(parameters_.ReadFrom(values));
+}
+
+void MDelayAudioEffectPlugin::Reserve(const MDelaySettings& settings) {
+    MDelayEngine::Needs needs;
+    {
+        const MLock lock(parameterLock_);
+        needs = engine_.NeedsOf(settings);
+    }
+    if (!needs.HasAny()) return;
+    // Destroyed after the lock, should the engine have got lines of its own meanwhile.
+    MDelayEngine::Spare spare = MDelayEngine::MakeSpare(settings, needs);
+    const MLock lock(parameterLock_);
+    engine_.Adopt(spare);
 }
 
 void MDelayAudioEffectPlugin::UpdateProcessing() {

@@ -18,8 +18,11 @@ public:
     void ProcessEffect(const MTransport* transport, const float* const* inputs,
                        float* const* outputs, int count) override;
     bool IsTailSilent() override;
+    /// The lines of taps that are switched on and have none yet. Made without the lock. [main]
+    void ReserveFor(std::span<const double> values) override;
 
 private:
+    void Reserve(const MDelaySettings& settings);
     bool ArePresent(const float* const* inputs, float* const* outputs) const noexcept;
     void LoadLegacyKeys(const MXMLNode& state);
     void LoadLegacyIndex(const MXMLNode& state, const char* key, int record);

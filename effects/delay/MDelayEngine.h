@@ -37,13 +37,15 @@ public:
         int channels = 0;
         int sampleRate = 0;  // hertz
         bool taps[kDelayTaps] = {};
+
+        bool HasAny() const noexcept { return taps[0] || taps[1]; }
     };
     /// Lines that were made apart from the engine, so that its Update need not.
     struct Spare {
         Needs needs;
         std::unique_ptr<MDelayTapLines> lines[kDelayTaps];
     };
-    Needs NeedsOf(const MDelaySettings& settings) const noexcept;
+    Needs NeedsOf(const MDelaySettings& settings) const noexcept;  // [audio]
     /// Makes the lines for `needs`. Takes microseconds, as their memory is not touched. [any]
     static Spare MakeSpare(const MDelaySettings& settings, const Needs& needs);
     /// Takes the lines that still fit and leaves the others. [audio]

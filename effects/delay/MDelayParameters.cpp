@@ -126,6 +126,13 @@ MDelaySettings MDelayParameters::ReadForUpdate() const noexcept {
     return settings;
 }
 
+MDelaySettings MDelayParameters::ReadFrom(std::span<const double> values) const noexcept {
+    Values own{};
+    for (std::size_t i = 0; i < own.size() && i < values.size(); ++i)
+        own[i] = records_[i].Nearest(values[i]);
+    return SettingsOf(own);
+}
+
 MDelaySettings MDelayParameters::SettingsOf(const Values& values) const noexcept {
     MDelaySettings settings;
     settings.isSerial = values[kDelayMode] > 0;

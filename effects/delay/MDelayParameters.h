@@ -5,6 +5,7 @@
 #include "plugin/parameters/ParameterDefinition.h"
 
 #include <array>
+#include <span>
 
 /// Where each record stands; owners report and store parameters by these numbers.
 namespace MDelayIndex {
@@ -47,6 +48,9 @@ public:
     MDelaySettings ReadForBlock() const noexcept;
     /// All of them. [audio]
     MDelaySettings ReadForUpdate() const noexcept;
+    /// What the records would give if they had `values`, one for each in their order; but for what
+    /// only updates need. [any]
+    MDelaySettings ReadFrom(std::span<const double> values) const noexcept;
 
     /// Notes where the block with `settings` ended. [audio]
     void KeepRampEnds(const MDelaySettings& settings) noexcept;

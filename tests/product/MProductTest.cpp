@@ -220,6 +220,26 @@ TEST(MProduct, MakesAllOfNewBandsOrNothingHoweverMuchMemoryThereIs) {
     EXPECT_FALSE(isReached);
 }
 
+TEST(MProduct, MakesTheMemoryOfTapsOnTheThreadThatSwitchesThemOnByAState) {
+    const Product song = Make(3), plugin = Make(3);
+    for (const char* key : {"B1 T2 On", "B3 T2 On", "B3 T2 Sync On"}) Set(*song, key, "On");
+    Set(*song, "B3 T2 Sync Length", "4");
+    plugin->InitProcessing();
+    Channels input(2, 512, 1), output(2, 512);
+    plugin->Process(input.From(0), output.From(0), 512);
+    MPluginState::Load(*plugin, MPluginState::Save(*song));
+    // Off and on again, too: a tap keeps what it has had.
+    int count = 0;
+    for (const char* state : {"On", "Off", "On"}) {
+        Set(*plugin, "B1 T2 On", state);
+        const AllocationCounter allocations;
+        for (int block = 0; block < 20; ++block)
+            plugin->Process(input.From(0), output.From(0), 512);
+        count += allocations.Count();
+    }
+    EXPECT_EQ(count, 0);
+}
+
 TEST(MProduct, MakesRoomForTheAnnouncedBlockAndRunsLongerOnesInPieces) {
     constexpr int kLongest = MAudioPlugin::kLongestBlock;
     const auto make = [](int announced) {
