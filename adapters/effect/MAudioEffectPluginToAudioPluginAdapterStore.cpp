@@ -13,7 +13,7 @@
 
 namespace {
 
-/// What the records of `effect` hold once it has loaded `node` over `start`, a member of theirs.
+/// Loads `node` into `effect` over the bound `start` of every record and returns the values.
 std::vector<double> LoadOver(double ParameterDefinition::*start, MEffectHandle& effect,
                              MXMLNode node) {
     for (ParameterDefinition& record : effect.Table()) record.SetValue(record.*start);

@@ -7,7 +7,7 @@ namespace {
 
 constexpr unsigned Bit(int index) { return 1U << index; }
 
-/// What is written by all threads and seldom; most blocks only look.
+/// Takes all bits. Any thread may set some, but seldom, so most blocks only look.
 unsigned Take(std::atomic<unsigned>& bits) noexcept {
     return bits.load(std::memory_order_relaxed) != 0 ? bits.exchange(0) : 0;
 }
@@ -31,7 +31,7 @@ void MPresetTriggers::ParameterChanged(int index, std::uint32_t /*offset*/, doub
                                        double newValue) noexcept {
     if (newValue < 0.5) return;
     if (oldValue < 0.5) pressed_.fetch_or(Bit(index));
-    // What modulates a trigger also takes it back.
+    // A modulator takes its target back by itself.
     if (records_[index].IsRedirected()) return;
     records_[index].SetValue(0);
     released_.fetch_or(Bit(index));

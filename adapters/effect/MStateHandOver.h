@@ -57,7 +57,8 @@ public:
     /// The same with the values of all records, `change` being about the rest. [main]
     template <class Job>
     [[nodiscard]] Publication Publish(MStateRecords::Values values, Job&& change) {
-        // What it leaves alone may still be under way from the state before.
+        // The state before may still be under way: records that this one leaves alone get its
+        // values.
         if (!IsTaken()) MStateRecords::Complete(values, *newest_.values);
         auto shared = std::make_shared<MStateRecords::Values>(std::move(values));
         return Publish([&](Publication& newest) {

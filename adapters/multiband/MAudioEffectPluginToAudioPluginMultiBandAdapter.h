@@ -141,7 +141,7 @@ private:
 
         MBandLayout layout;
         MBandOptions options;
-        // Those that are to change, log10 of hertz.
+        // Log10 of hertz; a limit without a value stays as it is.
         std::array<std::optional<double>, MBandParameters::kLimits> limits{};
     };
 

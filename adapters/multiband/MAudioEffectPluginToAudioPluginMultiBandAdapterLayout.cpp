@@ -14,8 +14,8 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::Draft::SetDefaults(int ban
 }
 
 // Under the preparing and the change lock. Effects first, then the design, then what refers to
-// both: whatever a block sees of these is ready to run. `edit` fills a draft; `write` writes
-// records once nothing can fail any more.
+// both, so that a block only ever sees what is ready to run. `edit` fills a draft. `write` writes
+// records once no step can fail any more.
 template <class Edit, class Write>
 void MAudioEffectPluginToAudioPluginMultiBandAdapter::PutIntoForce(Edit&& edit, Write&& write) {
     Draft draft{layout_, options_};

@@ -30,7 +30,7 @@ void MAudioEffectPluginToAudioPluginMultiBandAdapter::FillStage(MStage& base,
     auto& stage = static_cast<Stage&>(base);
     MAudioEffectPluginToAudioPluginAdapter::FillStage(stage, values);
     if (values == MArchive::Base::Current) return;
-    // Whatever the user has set for new instances: a state is to sound the same everywhere.
+    // Not the user's own count for new instances: a state sounds the same on every machine.
     stage.layout.SetDefaults(MBandLayout::kDefaultBands);
     StageDefaultLimits(stage);
 }

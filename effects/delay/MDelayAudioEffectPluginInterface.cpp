@@ -10,7 +10,7 @@
 
 namespace {
 
-/// What a command answers that has failed. Nobody must take a preparation for done that was not.
+/// The answer of a command that has failed. A failed preparation must not pass for a done one.
 std::int64_t FailureOf(MEffectCommand command) noexcept {
     return command == MEffectCommand::InitEffectProcessing ? 1 : 0;
 }

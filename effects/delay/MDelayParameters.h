@@ -48,8 +48,8 @@ public:
     MDelaySettings ReadForBlock() const noexcept;
     /// All of them. [audio]
     MDelaySettings ReadForUpdate() const noexcept;
-    /// What the records would give if they had `values`, one for each in their order; but for what
-    /// only updates need. [any]
+    /// The settings that `values` would give, one for each record in their order, without those
+    /// that only updates need. [any]
     MDelaySettings ReadFrom(std::span<const double> values) const noexcept;
 
     /// Notes where the block with `settings` ended. [audio]
