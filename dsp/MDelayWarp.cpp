@@ -149,8 +149,9 @@ int MDelayWarp::Stretch(float* out, int most) noexcept {
     const auto last = static_cast<int>(std::min<std::int64_t>(span_, whole + run.count - 1));
     int count = StepsBelow(last, most);
     if (count == 0) {
-        // Between this run and the next.
-        const MDelayTape::Run next = tape_.At(base_ + whole + 1);
+        // Between this run and the next. Rounding may lead past the newest sample by next to
+        // nothing.
+        const MDelayTape::Run next = tape_.At(std::min(base_ + whole + 1, tape_.Written() - 1));
         const float pair[] = {run.samples != nullptr ? *run.samples : run.fill,
                               next.samples != nullptr ? *next.samples : next.fill};
         Kernels().delay->stretch(stretch, pair, out, count = 1);
