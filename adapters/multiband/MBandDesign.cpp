@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/multiband/MBandDesign.h"
 
-#include "dsp/MCrossoverPoints.h"
+#include "dsp/crossover/MCrossoverPoints.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "adapters/multiband/MBandParameters.h"
-#include "dsp/MAnalogCrossoverDesign.h"
-#include "dsp/MAudioFilters.h"
-#include "dsp/MLinearPhaseDesign.h"
+#include "dsp/crossover/MAnalogCrossoverDesign.h"
+#include "dsp/crossover/MAudioFilters.h"
+#include "dsp/crossover/MLinearPhaseDesign.h"
 
 #include <array>
 #include <memory>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MCrossoverPoints.h"
+#include "dsp/crossover/MCrossoverPoints.h"
 #include "plugin/MArchive.h"
 
 #include <array>

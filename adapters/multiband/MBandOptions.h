@@ -2,7 +2,7 @@
 #pragma once
 
 #include "adapters/multiband/MBandParameters.h"
-#include "dsp/MAudioFilters.h"
+#include "dsp/crossover/MAudioFilters.h"
 #include "plugin/MArchive.h"
 
 /// What may be chosen about the bands besides layout and parameters. Plain data.

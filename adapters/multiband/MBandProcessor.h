@@ -3,9 +3,9 @@
 
 #include "adapters/multiband/MBandBlock.h"
 #include "adapters/multiband/MBandEffects.h"
-#include "dsp/MAnalogCrossover.h"
 #include "dsp/MGrowingBuffer.h"
-#include "dsp/MLinearPhaseCrossover.h"
+#include "dsp/crossover/MAnalogCrossover.h"
+#include "dsp/crossover/MLinearPhaseCrossover.h"
 #include "dsp/kernels/MKernelSet.h"
 
 #include <array>

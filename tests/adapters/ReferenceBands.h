@@ -2,8 +2,8 @@
 #pragma once
 
 #include "adapters/multiband/MBandBlock.h"
-#include "dsp/MAnalogCrossover.h"
-#include "dsp/MLinearPhaseCrossover.h"
+#include "dsp/crossover/MAnalogCrossover.h"
+#include "dsp/crossover/MLinearPhaseCrossover.h"
 #include "tests/adapters/BandsForTests.h"
 
 #include <cmath>

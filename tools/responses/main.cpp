@@ -11,8 +11,8 @@
 // them).
 #include "core/MException.h"
 #include "core/MText.h"
-#include "dsp/MAnalogCrossover.h"
-#include "dsp/MLinearPhaseCrossover.h"
+#include "dsp/crossover/MAnalogCrossover.h"
+#include "dsp/crossover/MLinearPhaseCrossover.h"
 
 #include <fstream>
 #include <iostream>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MLinearPhaseChannelState.h"
-#include "dsp/MLinearPhaseDesign.h"
 #include "dsp/MTripleBuffer.h"
+#include "dsp/crossover/MLinearPhaseChannelState.h"
+#include "dsp/crossover/MLinearPhaseDesign.h"
 
 #include <atomic>
 #include <memory>

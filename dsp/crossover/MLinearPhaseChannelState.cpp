@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MLinearPhaseChannelState.h"
+#include "dsp/crossover/MLinearPhaseChannelState.h"
 
 #include <algorithm>
 #include <cassert>

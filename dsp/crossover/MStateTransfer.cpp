@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MStateTransfer.h"
+#include "dsp/crossover/MStateTransfer.h"
 
 #include <cassert>
 

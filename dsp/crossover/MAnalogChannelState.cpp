@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MAnalogChannelState.h"
+#include "dsp/crossover/MAnalogChannelState.h"
 
 #include <algorithm>
 #include <cassert>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "benchmarks/dsp/MAnalogTranscription.h"
 #include "core/MException.h"
-#include "dsp/MAnalogCrossover.h"
-#include "tests/dsp/CrossoverMeasure.h"
+#include "dsp/crossover/MAnalogCrossover.h"
+#include "tests/dsp/crossover/CrossoverMeasure.h"
 
 #include <gtest/gtest.h>
 

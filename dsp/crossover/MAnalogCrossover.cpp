@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MAnalogCrossover.h"
+#include "dsp/crossover/MAnalogCrossover.h"
 
 void MAnalogCrossover::Design(int bandCount, std::span<const double> frequencies, double sampleRate,
                               Slope slope) {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MAnalogChannelState.h"
-#include "dsp/MAnalogCrossoverDesign.h"
-#include "dsp/MAnalogPairState.h"
 #include "dsp/MTripleBuffer.h"
+#include "dsp/crossover/MAnalogChannelState.h"
+#include "dsp/crossover/MAnalogCrossoverDesign.h"
+#include "dsp/crossover/MAnalogPairState.h"
 
 #include <span>
 

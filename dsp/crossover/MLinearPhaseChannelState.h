@@ -2,8 +2,8 @@
 #pragma once
 
 #include "dsp/MBlockConvolver.h"
-#include "dsp/MLinearPhaseDesign.h"
 #include "dsp/MRampEnds.h"
+#include "dsp/crossover/MLinearPhaseDesign.h"
 
 #include <array>
 #include <memory>

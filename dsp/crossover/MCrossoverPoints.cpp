@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MCrossoverPoints.h"
+#include "dsp/crossover/MCrossoverPoints.h"
 
 #include "core/MException.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MLinearPhaseDesign.h"
+#include "dsp/crossover/MLinearPhaseDesign.h"
 
 #include "dsp/kernels/MKernelSet.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MAnalogPairState.h"
+#include "dsp/crossover/MAnalogPairState.h"
 
 #include "dsp/kernels/MKernelSet.h"
 

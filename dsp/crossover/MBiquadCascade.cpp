@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MBiquadCascade.h"
+#include "dsp/crossover/MBiquadCascade.h"
 
 #include <cassert>
 #include <cmath>

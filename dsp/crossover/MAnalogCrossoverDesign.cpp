@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MAnalogCrossoverDesign.h"
+#include "dsp/crossover/MAnalogCrossoverDesign.h"
 
 #include "core/MException.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/MException.h"
-#include "dsp/MLinearPhaseCrossover.h"
-#include "tests/dsp/CrossoverMeasure.h"
+#include "dsp/crossover/MLinearPhaseCrossover.h"
+#include "tests/dsp/crossover/CrossoverMeasure.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MAnalogCrossoverDesign.h"
 #include "dsp/MRampEnds.h"
+#include "dsp/crossover/MAnalogCrossoverDesign.h"
 
 #include <array>
 #include <span>

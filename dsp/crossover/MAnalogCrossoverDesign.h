@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MAudioFilters.h"
-#include "dsp/MBiquadCascade.h"
-#include "dsp/MCrossoverPoints.h"
-#include "dsp/MStateTransfer.h"
+#include "dsp/crossover/MAudioFilters.h"
+#include "dsp/crossover/MBiquadCascade.h"
+#include "dsp/crossover/MCrossoverPoints.h"
+#include "dsp/crossover/MStateTransfer.h"
 #include "dsp/kernels/MCrossoverKernels.h"
 
 #include <array>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MLinearPhaseCrossover.h"
+#include "dsp/crossover/MLinearPhaseCrossover.h"
 
 MLinearPhaseCrossover::MLinearPhaseCrossover() = default;
 MLinearPhaseCrossover::~MLinearPhaseCrossover() = default;

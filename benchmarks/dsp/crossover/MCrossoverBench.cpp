@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "benchmarks/dsp/MAnalogTranscription.h"
 #include "benchmarks/support/FrameCounter.h"
-#include "dsp/MAnalogCrossover.h"
-#include "dsp/MLinearPhaseCrossover.h"
+#include "dsp/crossover/MAnalogCrossover.h"
+#include "dsp/crossover/MLinearPhaseCrossover.h"
 
 #include <benchmark/benchmark.h>
 
