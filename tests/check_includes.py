@@ -24,7 +24,7 @@ OWN = set(MAY_INCLUDE) | {"product", "tools", "tests", "benchmarks"}
 PACKAGES = {
     r"pugixml": "core/MXML.cpp",
     r"zlib\.h": "core/MZLibStream.cpp",
-    r"fftw3\.h": "dsp/MRealFFT.cpp",
+    r"fftw3\.h": "dsp/fft/MRealFFT.cpp",
     r"nlohmann/": "tools/render/MAutomationFile.cpp",
 }
 

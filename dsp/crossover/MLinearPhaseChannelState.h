@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MBlockConvolver.h"
 #include "dsp/MRampEnds.h"
 #include "dsp/crossover/MLinearPhaseDesign.h"
+#include "dsp/fft/MBlockConvolver.h"
 
 #include <array>
 #include <memory>

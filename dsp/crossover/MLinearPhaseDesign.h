@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MFIRKernel.h"
-#include "dsp/MRealFFT.h"
 #include "dsp/crossover/MCrossoverPoints.h"
+#include "dsp/fft/MFIRKernel.h"
+#include "dsp/fft/MRealFFT.h"
 
 #include <array>
 

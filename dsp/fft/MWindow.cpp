@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MWindow.h"
+#include "dsp/fft/MWindow.h"
 
 #include "core/MException.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MSampleQueue.h"
+#include "dsp/fft/MSampleQueue.h"
 
 #include "core/MException.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MRealFFT.h"
-#include "dsp/MSampleQueue.h"
+#include "dsp/fft/MRealFFT.h"
+#include "dsp/fft/MSampleQueue.h"
 
 #include <memory>
 #include <span>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MBlockConvolver.h"
+#include "dsp/fft/MBlockConvolver.h"
 
 #include "dsp/kernels/MKernelSet.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MFIRKernel.h"
+#include "dsp/fft/MFIRKernel.h"
 
 #include <algorithm>
 #include <cassert>

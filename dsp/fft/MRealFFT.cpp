@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MRealFFT.h"
+#include "dsp/fft/MRealFFT.h"
 
 #include "core/MException.h"
 
