@@ -2,7 +2,7 @@
 #include "benchmarks/effects/MPlainDelay.h"
 #include "benchmarks/support/FrameCounter.h"
 #include "dsp/MDenormals.h"
-#include "dsp/MSaturationCurve.h"
+#include "dsp/delay/MSaturationCurve.h"
 #include "effects/delay/MDelayAudioEffectPlugin.h"
 #include "effects/delay/MDelayTapLoop.h"
 #include "tests/support/DelaySettingsMaker.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "benchmarks/support/FrameCounter.h"
-#include "dsp/MDelayLine.h"
+#include "dsp/delay/MDelayLine.h"
 #include "tests/support/Noise.h"
 
 #include <benchmark/benchmark.h>

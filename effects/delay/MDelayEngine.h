@@ -2,7 +2,7 @@
 #pragma once
 
 #include "dsp/MGrowingBuffer.h"
-#include "dsp/MSaturationCurve.h"
+#include "dsp/delay/MSaturationCurve.h"
 #include "dsp/kernels/MKernelSet.h"
 #include "effects/delay/MDelayFilters.h"
 #include "effects/delay/MDelayFreeze.h"

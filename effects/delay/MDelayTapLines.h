@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MDelayLine.h"
+#include "dsp/delay/MDelayLine.h"
 #include "effects/delay/MDelaySettings.h"
 
 /// The memory of one tap: a line with feedback per channel and the two lines before them that delay

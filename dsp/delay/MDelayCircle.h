@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MDelayMemory.h"
-#include "dsp/MRingQueue.h"
+#include "dsp/delay/MDelayMemory.h"
+#include "dsp/delay/MRingQueue.h"
 
 /// The samples that lie in a line of constant length, in chunks: a circle of `length` places of
 /// which `position` holds the oldest sample.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MDelayCircle.h"
-#include "dsp/MDelayMemory.h"
-#include "dsp/MRingQueue.h"
+#include "dsp/delay/MDelayCircle.h"
+#include "dsp/delay/MDelayMemory.h"
+#include "dsp/delay/MRingQueue.h"
 
 #include <cstdint>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MDelayMemory.h"
+#include "dsp/delay/MDelayMemory.h"
 
 #include <cstddef>
 #include <utility>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "benchmarks/support/FrameCounter.h"
-#include "dsp/MSaturationCurve.h"
+#include "dsp/delay/MSaturationCurve.h"
 #include "dsp/kernels/MKernelSet.h"
 
 #include <benchmark/benchmark.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MDelayLine.h"
+#include "dsp/delay/MDelayLine.h"
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/Noise.h"
 

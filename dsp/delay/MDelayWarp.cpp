@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MDelayWarp.h"
+#include "dsp/delay/MDelayWarp.h"
 
 #include "dsp/kernels/MKernelSet.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MSaturationCurve.h"
+#include "dsp/delay/MSaturationCurve.h"
 
 #include "dsp/MDenormals.h"
 

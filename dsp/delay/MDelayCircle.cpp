@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MDelayCircle.h"
+#include "dsp/delay/MDelayCircle.h"
 
 #include <algorithm>
 #include <bit>

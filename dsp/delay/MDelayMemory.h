@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MRingQueue.h"
+#include "dsp/delay/MRingQueue.h"
 
 #include <memory>
 #include <vector>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MDelayTape.h"
-#include "dsp/MRingQueue.h"
+#include "dsp/delay/MDelayTape.h"
+#include "dsp/delay/MRingQueue.h"
 
 #include <cstdint>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MDelayTape.h"
+#include "dsp/delay/MDelayTape.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/MDelayMemory.h"
-#include "dsp/MDelayWarp.h"
 #include "dsp/MGrowingBuffer.h"
+#include "dsp/delay/MDelayMemory.h"
+#include "dsp/delay/MDelayWarp.h"
 
 /// A delay of a whole number of samples whose length may change while it runs.
 ///
