@@ -4,10 +4,10 @@
 #include "adapters/modulation/MLFOSettings.h"
 #include "adapters/modulation/MModulationPiece.h"
 #include "adapters/modulation/MOscillatorClock.h"
-#include "dsp/MADSR.h"
-#include "dsp/MControlSmoother.h"
-#include "dsp/MLevelFollower.h"
-#include "dsp/MRandomWalk.h"
+#include "dsp/modulation/MADSR.h"
+#include "dsp/modulation/MControlSmoother.h"
+#include "dsp/modulation/MLevelFollower.h"
+#include "dsp/modulation/MRandomWalk.h"
 
 /// One modulator as it runs: settings and sound in, a value of 0..1 per piece out. Of the audio
 /// thread; it allocates nothing.

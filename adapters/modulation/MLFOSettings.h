@@ -2,10 +2,10 @@
 #pragma once
 
 #include "adapters/modulation/MModulationTarget.h"
-#include "dsp/MADSR.h"
-#include "dsp/MLevelFollower.h"
-#include "dsp/MModulationShape.h"
-#include "dsp/MRandomWalk.h"
+#include "dsp/modulation/MADSR.h"
+#include "dsp/modulation/MLevelFollower.h"
+#include "dsp/modulation/MModulationShape.h"
+#include "dsp/modulation/MRandomWalk.h"
 #include "plugin/MArchive.h"
 #include "plugin/MTempoSync.h"
 

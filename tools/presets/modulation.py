@@ -10,7 +10,7 @@ from values import (EFFECT, GLOBAL, LENGTHS, TAP, TYPES, Fault, decibels, hertz,
 
 
 def shapes():
-    header = Path(__file__).resolve().parents[2] / "dsp" / "MModulationShape.h"
+    header = Path(__file__).resolve().parents[2] / "dsp" / "modulation" / "MModulationShape.h"
     return re.findall(r'"(\w+)"', re.search(r"kShapeNames = .*?{(.*?)}", header.read_text(), re.S)[1])
 
 

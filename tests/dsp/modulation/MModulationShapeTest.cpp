@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MModulationShape.h"
+#include "dsp/modulation/MModulationShape.h"
 
 #include <gtest/gtest.h>
 

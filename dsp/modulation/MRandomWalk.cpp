@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MRandomWalk.h"
+#include "dsp/modulation/MRandomWalk.h"
 
-#include "dsp/MUnitRange.h"
+#include "dsp/modulation/MUnitRange.h"
 
 #include <algorithm>
 #include <cmath>

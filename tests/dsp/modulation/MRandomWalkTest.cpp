@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MControlSmoother.h"
-#include "dsp/MRandomWalk.h"
+#include "dsp/modulation/MControlSmoother.h"
+#include "dsp/modulation/MRandomWalk.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MLevelFollower.h"
+#include "dsp/modulation/MLevelFollower.h"
 
-#include "dsp/MUnitRange.h"
+#include "dsp/modulation/MUnitRange.h"
 
 #include <algorithm>
 #include <bit>

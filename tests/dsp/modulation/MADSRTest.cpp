@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MADSR.h"
+#include "dsp/modulation/MADSR.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MControlSmoother.h"
+#include "dsp/modulation/MControlSmoother.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MLevelFollower.h"
+#include "dsp/modulation/MLevelFollower.h"
 #include "tests/support/Noise.h"
 
 #include <gtest/gtest.h>
