@@ -7,7 +7,6 @@
 #include <chrono>
 #include <future>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -88,26 +87,6 @@ TEST(MAudioEffectPlugin, StoresEveryRecordByItsKeyAndHoldsWhatIsLoadedWithinItsR
     for (int i = 0; i < 5; ++i) EXPECT_EQ(other.records[i].Value(), expected[i]) << i;
     EXPECT_EQ(other.Send(12), 0) << "no state at all";
     EXPECT_EQ(other.Send(11), 0);
-}
-
-TEST(MAudioEffectPlugin, StoresAndLoadsAGroupUpToTheNextPanel) {
-    // index, and the run of records that belong to it
-    for (const auto& [index, first, end] :
-         {std::tuple(0, 0, 3), {1, 1, 3}, {3, 3, 5}, {-1, 0, 0}, {5, 0, 0}}) {
-        Recorder source, target;
-        const double values[] = {0, 0.125, -0.5, 1, 2};
-        for (int i = 0; i < 5; ++i) source.records[i].SetValue(values[i]);
-        const MXMLTree group("group"), all("all");
-        source.SaveParameterGroup(index, group.Root());
-        source.SaveParameters(all.Root());
-        target.LoadParameterGroup(index, all.Root());
-        for (int i = 0; i < 5; ++i) {
-            const std::string& key = source.records[i].key;
-            const bool belongs = i >= first && i < end;
-            EXPECT_EQ(group.Root().Attribute(key).has_value(), belongs) << index << key;
-            EXPECT_EQ(target.records[i].Value() == values[i], belongs) << index << key;
-        }
-    }
 }
 
 TEST(MAudioEffectPlugin, LoadsOnlyOnceTheLockIsFree) {

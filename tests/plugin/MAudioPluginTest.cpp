@@ -48,18 +48,12 @@ class Plugin : public MAudioPlugin {
 public:
     using MAudioPlugin::MutableParameters;
 
-    void SendHostAutomation(std::uint32_t identifier, double x) override {
-        if (refuses) throw std::runtime_error("no host");
-        sent.emplace_back(identifier, x);
-    }
     void ParameterChanged(std::uint32_t identifier, double /*oldValue*/,
                           double newValue) noexcept override {
         changed.emplace_back(identifier, newValue);
     }
 
-    std::vector<std::pair<std::uint32_t, double>> sent;
     std::vector<std::pair<std::uint32_t, double>> changed;
-    bool refuses = false;
 };
 
 class MAudioPluginTest : public testing::Test {
@@ -143,37 +137,4 @@ TEST_F(MAudioPluginTest, SwallowsItsOwnExceptionsAndReportsOthersByOperation) {
     EXPECT_EQ(reports.texts, expected);
     MAudioPlugin empty;
     ExpectNeutralAnswers(0, empty);
-}
-
-TEST_F(MAudioPluginTest, AutomationReportsPositionsInOrderAndOutlivesAFailingHost) {
-    plugin.SetParameter(5, 0.5, true);
-    adapter.SendAllAutomation();
-    adapter.SendAutomationValue(1, 0.75);
-    adapter.SendAutomationValueWithChange(0, 0);  // nudged first, so that the host sees a change
-    adapter.SendAutomationValueWithChange(1, 1);
-    EXPECT_THAT(plugin.sent,
-                ElementsAre(Pair(5u, 0.5), Pair(6u, 0.5), Pair(6u, 0.75), Pair(5u, 1e-10),
-                            Pair(5u, 0.0), Pair(6u, 0.9999999999), Pair(6u, 1.0)));
-
-    plugin.refuses = true;
-    MAudioPlugin::AutomationAdapter nowhere(nullptr, 5, 2);
-    nowhere.SendAllAutomation();
-    nowhere.SendAutomationValueWithChange(0, 0.5);
-    nowhere.ParameterChanged(0, 0, 0, 1);
-    adapter.SendAutomation(2);
-    adapter.SendAutomationValue(-1, 0.5);
-    EXPECT_TRUE(reports.texts.empty()) << "out of the run, or without a plug-in, nothing is sent";
-    adapter.SendAutomation(0);
-    adapter.SendAutomationValue(0, 0);
-    adapter.SendAutomationValueWithChange(0, 0);
-    EXPECT_EQ(reports.texts.size(), 3u);
-}
-
-TEST_F(MAudioPluginTest, GesturesReportUntilTheyAreDropped) {
-    MAudioPlugin::AutomationAdapter& gesture = plugin.CreateTemporaryAutomationAdapter(8, 2);
-    for (int i = 0; i < 100; ++i) plugin.CreateTemporaryAutomationAdapter(0, 1);
-    gesture.SendAutomationValue(1, 0.5);
-    EXPECT_THAT(plugin.sent, ElementsAre(Pair(9u, 0.5)));
-    plugin.DestroyTemporaryAutomationAdapters();
-    plugin.DestroyTemporaryAutomationAdapters();
 }

@@ -5,7 +5,6 @@
 #include "plugin/parameters/ParameterFloatT.h"
 #include "plugin/parameters/ParameterGroupT.h"
 #include "plugin/parameters/ParameterIntT.h"
-#include "plugin/parameters/ParameterObjectT.h"
 #include "plugin/values/MValuePan.h"
 
 #include <gmock/gmock.h>
@@ -33,16 +32,6 @@ public:
 
     std::vector<std::tuple<int, std::uint32_t, double, double>> calls;
     std::vector<ParameterMainBase*> posted;
-};
-
-struct Shape {
-    double size = 1;
-
-    void Save(MXMLNode node) const { node.SetAttribute("size", size > 1 ? "large" : "small"); }
-    bool Load(MXMLNode node) {
-        if (node.Attribute("size") == "large") size = 2;
-        return node.Attribute("size").has_value();
-    }
 };
 
 }  // namespace
@@ -118,20 +107,4 @@ TEST(ParameterMainBase, PlainValuesTakeTheFormOfTheirKindAndWhatIsNoNumberReache
         EXPECT_EQ(parameter->Kind(), parameter->Record()->kind);
     }
     EXPECT_EQ(rows[2].parameter->ParseValueName(0, "c"), 1);
-}
-
-TEST(ParameterObjectT, HoldsAnObjectThatOnlyTheStateReaches) {
-    ParameterADSRT<Shape> parameter({1, "Attack", "Attack shape"});
-    ParameterADSRT<Shape> other({2, "Release", "Release shape"});
-    ParameterEnvelopeT<Shape> envelope({3, "Attack", "Envelope"});
-    parameter.SetNormalised(0, 0.9, false);
-    EXPECT_EQ(parameter.GetNormalised(0) + parameter.ParseValueName(0, "0.9"), 0.5 + 0.5);
-    MXMLTree tree("state");
-    parameter.Get().size = 2;
-    parameter.SaveObject(tree.Root());
-    parameter.Get().size = 1;
-    EXPECT_FALSE(other.LoadObject(tree.Root())) << "another one's object";
-    EXPECT_FALSE(envelope.LoadObject(tree.Root())) << "another kind of object of the same name";
-    EXPECT_TRUE(parameter.LoadObject(MXMLTree::Parse(tree.Write()).Root()));
-    EXPECT_EQ(parameter.Get().size, 2);
 }

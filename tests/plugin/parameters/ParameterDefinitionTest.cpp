@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/parameters/ParameterDefinition.h"
-#include "plugin/values/MValue.h"
 #include "plugin/values/MValueTimeMS.h"
 #include "tests/support/ForeignLocale.h"
 
@@ -98,9 +97,6 @@ TEST(ParameterDefinition, ShowsByTextThenByFormatThenPlainly) {
             EXPECT_EQ(record.ParseDisplayText(text), read) << text;
         }
     }
-    EXPECT_EQ(gain.scale->GetDisplayText(), "0.00 dB");
-    EXPECT_TRUE(percent.scale->ParseDisplayText("75"));
-    EXPECT_EQ(percent.Value(), 0.75) << "the scale is bound to the value";
     EXPECT_EQ(onOff.FromNormalised(0.4999), 0);
     EXPECT_EQ(onOff.FromNormalised(0.5), 1);
 }

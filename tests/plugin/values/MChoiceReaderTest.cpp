@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/values/MChoiceReader.h"
-#include "plugin/values/MValueEnum.h"
 
 #include <gtest/gtest.h>
 
-TEST(MValueEnum, ReadsNamesGenerouslyAndHoldsAnIndexWithinTheList) {
+#include <string>
+#include <utility>
+#include <vector>
+
+TEST(MChoiceReader, ReadsNamesGenerously) {
     const std::vector<std::string> modes = {"Default", "Classic", "PingPong", "Ping"};
     const std::vector<std::string> lengths = {"4", "2", "1", "1 / 2", "1 / 4", "1 / 8", "1 / 16"};
     const struct {
@@ -22,26 +25,4 @@ TEST(MValueEnum, ReadsNamesGenerouslyAndHoldsAnIndexWithinTheList) {
         for (const auto& [text, index] : rows) EXPECT_EQ(MReadChoice(names, text), index) << text;
         for (const char* text : refused) EXPECT_FALSE(MReadChoice(names, text)) << text;
     }
-    std::int32_t index = 1;
-    MValueList list(index, modes);
-    EXPECT_TRUE(list.ParseDisplayText("pingpong"));
-    EXPECT_FALSE(list.ParseDisplayText("other"));
-    EXPECT_EQ(index, 2);
-    index = 99;
-    EXPECT_EQ(list.GetDisplayText(), "Ping") << "an index from elsewhere";
-}
-
-TEST(MValueEnum, MovesFromEnumeratorToEnumerator) {
-    std::int32_t value = 10;
-    MValueEnum scale(value, {{1, "One"}, {10, "Ten"}, {100, "Hundred"}}, 1);
-    EXPECT_EQ(scale.GetNormalised(), 0.5);
-    scale.Increment(1);
-    EXPECT_EQ(value, 100);
-    scale.SetNormalised(0);
-    EXPECT_EQ(value, 1);
-    EXPECT_EQ(scale.GetDisplayTextFrom01(0.8), "Hundred");
-    EXPECT_TRUE(scale.ParseDisplayText("ten"));
-    EXPECT_EQ(value, 10);
-    value = 11;
-    EXPECT_EQ(scale.GetDisplayText(), "11");
 }
