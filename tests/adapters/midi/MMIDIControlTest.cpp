@@ -155,27 +155,6 @@ TEST_F(MMIDIControlTest, SwitchesTogglesAndEndlessKnobsMoveInTheirWays) {
     EXPECT_THAT(plugin.sent, SizeIs(3));
 }
 
-TEST_F(MMIDIControlTest, LearnsTheNextMessageThatFits) {
-    using Wanted = MMIDILearn::Wanted;
-    control.Learn().Arm(1, Wanted::Note);
-    Send(0xB0, 9, 5);
-    EXPECT_FALSE(control.AcceptLearned());
-    Send(0x92, 61, 100);
-    EXPECT_TRUE(control.AcceptLearned());
-    EXPECT_EQ(control.Settings().notes[0].target.parameter, "Width");
-    EXPECT_EQ(control.Settings().notes[0].mapping.note, 61);
-    control.Learn().Arm(0, Wanted::Either);
-    Send(0xB4, 123, 0);
-    EXPECT_TRUE(control.Learn().IsArmed());
-    Send(0xE4, 0, 0);
-    EXPECT_TRUE(control.AcceptLearned());
-    EXPECT_EQ(Send(0xE4, 127, 127), 1);
-    control.Learn().Arm(0, Wanted::Controller);
-    Send(0xB4, 1, 0);
-    control.Learn().Arm(2, Wanted::Controller);  // what came for the other is no longer wanted
-    EXPECT_FALSE(control.TakeLearned());
-}
-
 TEST_F(MMIDIControlTest, SurvivesFloodsAndGarbageInOrderAndWithoutMemory) {
     Controller(0, {.number = 7}, "Level");
     Controller(1, {.number = 7, .isHighResolution = true}, "Width");
@@ -248,12 +227,10 @@ TEST_F(MMIDIControlTest, ProgramsChoosePresetsWhereTheUserHasSaidSo) {
     Send(0xC0, 5, 0);
     settings.presetPrograms = {true, 3};
     control.SetSettings(settings);
-    control.Learn().Arm(0, MMIDILearn::Wanted::Either);
     Send(0xC2, 127, 0xFF);  // the second byte is none of its own
     Send(0xC3, 6, 0);
     Send(0xC2, 0, 0);
     EXPECT_THAT(plugin.places, ElementsAre(127, 0));
-    EXPECT_TRUE(control.Learn().IsArmed());
 }
 
 }  // namespace

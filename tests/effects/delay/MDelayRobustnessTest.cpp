@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "core/MXML.h"
 #include "plugin/MTransport.h"
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/DelayEntry.h"
@@ -9,11 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <limits>
 #include <random>
-#include <thread>
 #include <utility>
 #include <vector>
 #include <xmmintrin.h>
@@ -198,34 +195,4 @@ TEST(MDelayRobustness, SurvivesAnyAllocationThatFails) {
         if (!isReached) return;  // all of it needs no more
     }
     ADD_FAILURE() << "allocations still fail";
-}
-
-TEST(MDelayRobustness, LetsOtherThreadsWriteAndLoadWhileItRuns) {
-    DelayEntry delay(2, kRate);
-    std::atomic<bool> isOver = false;
-    std::thread writer([&] {
-        std::mt19937 generator(31);
-        const MXMLTree tree("state");
-        MXMLNode root = tree.Root();
-        for (int round = 0; round < 3000; ++round) {
-            const int index = std::uniform_int_distribution<int>(0, 29)(generator);
-            ParameterDefinition& record = delay.Record(index);
-            record.SetValue(AnyValue(record, generator));
-            if (round % 5 == 0) record.SetRedirect(round % 10 == 0);
-            record.SetSecondary(AnyValue(record, generator));
-            delay.Update(index);
-            if (round % 50 == 0) delay.Send(11, MEffectArgument(&root));
-            if (round % 50 == 25) delay.Send(12, MEffectArgument(&root));
-        }
-        isOver = true;
-    });
-    const Sound noise = Noise(2, 256);
-    bool isFinite = true;
-    while (!isOver) {
-        isFinite = IsFinite(delay.Process(noise)) && isFinite;
-        delay.Send(102);
-    }
-    writer.join();
-    EXPECT_TRUE(isFinite);
-    ExpectUsable(delay, "after all that");
 }

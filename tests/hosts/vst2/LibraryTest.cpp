@@ -6,7 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cmath>
 #include <deque>
 #include <fstream>
@@ -15,7 +14,6 @@
 #include <random>
 #include <set>
 #include <string>
-#include <thread>
 #include <utility>
 
 #if defined(_WIN32)
@@ -108,25 +106,6 @@ TEST_F(Library, TellsTheStepsOfParametersThatHaveSome) {
     }
 }
 
-TEST_F(Library, RestoresASavedStateInAnotherInstance) {
-    MVst2Host first(entry), second(entry);
-    std::minstd_rand generator(5);
-    // All but the preset triggers and bypass, which are the last three.
-    for (int i = 0; i + 3 < first.ParameterCount(); ++i) {
-        first.SetParameter(i, static_cast<float>(generator() % 1000) / 999);
-    }
-    const auto state = first.SaveState();
-    void* data = nullptr;
-    const VstIntPtr size = first.Call(effGetChunk, 1, 0, &data);
-    EXPECT_EQ(std::vector<std::uint8_t>(static_cast<std::uint8_t*>(data),
-                                        static_cast<std::uint8_t*>(data) + size),
-              state);
-    second.LoadState(state);
-    EXPECT_EQ(second.SaveState(), state);
-    for (MVst2Host* host : {&first, &second}) ASSERT_TRUE(host->Start(2, kRate, 512));
-    EXPECT_EQ(Play(first, 9600, 512), Play(second, 9600, 512));
-}
-
 TEST_F(Library, SurvivesHostsThatAskNonsense) {
     MVst2Host host(entry);
     for (int opcode = -5; opcode < 200; ++opcode) {
@@ -175,24 +154,6 @@ TEST_F(Library, RunsBlocksOfAnyLengthWheneverTheHostLikes) {
             ASSERT_NEAR(played[i], expected[i], 1e-6f) << block << " " << i;
         }
     }
-}
-
-TEST_F(Library, LoadsAndSavesStatesWhileItPlays) {
-    MVst2Host host(entry);
-    ASSERT_TRUE(host.Start(2, kRate, 256));
-    const auto state = host.SaveState();
-    std::atomic<bool> isPlaying = true;
-    std::thread audio([&] {
-        while (isPlaying) Play(host, 2560, 256);
-    });
-    for (int i = 0; i < 30; ++i) {
-        host.LoadState(state);
-        EXPECT_FALSE(host.SaveState().empty());
-        host.SetParameter(i % host.ParameterCount(), 0.3f);
-    }
-    isPlaying = false;
-    audio.join();
-    for (const float sample : Play(host, 2560, 256)) ASSERT_TRUE(std::isfinite(sample));
 }
 
 TEST(LibraryUnloading, LeavesNothingAfterTwoHundredInstancesThatEndInEitherOrder) {
