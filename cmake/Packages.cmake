@@ -19,9 +19,9 @@ set(KESTRUNE_VST2_FOLDER ${default_vst2_folder} CACHE STRING
 install(TARGETS Kestrune
     LIBRARY DESTINATION ${KESTRUNE_VST2_FOLDER}
     RUNTIME DESTINATION ${KESTRUNE_VST2_FOLDER})
-# The machine's own copy of the licence: the text is the same everywhere.
-install(FILES /usr/share/common-licenses/GPL-3 DESTINATION ${document_folder} RENAME LICENSE.txt)
-install(FILES ${PROJECT_SOURCE_DIR}/docs/parameters.md DESTINATION ${document_folder})
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${document_folder} RENAME LICENSE.txt)
+install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/docs/parameters.md
+    DESTINATION ${document_folder})
 
 set(CPACK_PACKAGE_NAME kestrune)
 set(CPACK_PACKAGE_VENDOR Vornhal)
@@ -43,7 +43,7 @@ if(WIN32)
     set(CPACK_NSIS_DISPLAY_NAME Kestrune)
     set(CPACK_NSIS_PACKAGE_NAME Kestrune)
     set(CPACK_NSIS_ENABLE_UNINSTALL_BEFORE_INSTALL ON)
-    set(CPACK_RESOURCE_FILE_LICENSE /usr/share/common-licenses/GPL-3)
+    set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 else()
     set(CPACK_STRIP_FILES ON)
     set(CPACK_GENERATOR TGZ DEB)
