@@ -35,14 +35,21 @@ void MDelayLine::Resize(int length, MGrowingBuffer<float>& scratch) {
     }
     if (!warp_.IsActive()) {
         warp_.Begin(circle_);
-    } else if (length_ > kLongestSettled) {
-        if (warp_.IsTooSoon()) return;
-    } else if (!warp_.IsStraight() && !warp_.MayFollow()) {
+    } else if (warp_.HasRested() && IsSettledSoon()) {
         Settle(scratch);
         warp_.Begin(circle_);
+    } else if (warp_.IsTooSoon()) {
+        return;
     }
     warp_.Change(length);
     length_ = length;
+}
+
+/// Whether it takes no more than a few microseconds to settle.
+bool MDelayLine::IsSettledSoon() const noexcept {
+    constexpr int kMostPieces = 256;
+    return length_ <= kLongestSettled && warp_.Stored() <= kLongestSettled &&
+           warp_.Pieces() <= kMostPieces;
 }
 
 /// Writes the samples anew as they would be read.
@@ -80,7 +87,11 @@ void MDelayLine::EnterRun() {
     const int place = circle_.position;
     MRingQueue<float*>& chunks = circle_.chunks;
     int chunk = place / MDelayMemory::kChunk;
-    if (chunk == chunks.Size()) chunks.Push(memory_.Take());
+    if (chunk == chunks.Size()) {
+        float* const next = memory_.Take();
+        chunks.Reserve(chunk + 1);  // there is room, but where Take had to allocate
+        chunks.Push(next);
+    }
     run_ = circle_.At(place);
     int end = (chunk + 1) * MDelayMemory::kChunk;
     while (end < std::min(length_, place + kLongRun) && chunk + 1 < chunks.Size() &&

@@ -17,10 +17,10 @@ public:
     /// Longest delay in samples: 64 dotted notes at 20 beats per minute, up to 48 kHz. A longer
     /// request is cut to it, so that a wild tempo cannot ask for gigabytes.
     static constexpr int kMaxLength = 1 << 25;
-    /// Up to this length a line that changes again after a rest, before its last change has been
-    /// read, interpolates once more. In a longer line, where that would hold up the audio thread,
-    /// the change counts as a part of the movement before.
-    static constexpr int kLongestSettled = 1 << 15;  // samples
+    /// As long as it holds no more than this, a line that changes again after a rest, before its
+    /// last change has been read, interpolates once more. A line that holds more would hold up the
+    /// audio thread with that; there the change counts as a part of the movement before.
+    static constexpr int kLongestSettled = 1 << 13;  // samples
 
     MDelayLine() = default;
     MDelayLine(const MDelayLine&) = delete;
@@ -30,7 +30,7 @@ public:
     /// Sets the delay to `length` samples, raised to 1 and cut at kMaxLength, and stretches the
     /// history over it; a new length of 1 keeps the newest sample. Changes up to
     /// MDelayWarp::kMovement samples apart are one movement: however many, a sample is interpolated
-    /// once. A line longer than kLongestSettled that has too many changes to remember keeps its
+    /// once. A line of thousands of samples that has more changes than it can remember keeps its
     /// length; the caller asks again with the next block. `scratch` is working memory for up to
     /// kLongestSettled samples that several lines may share. Allocates only when the length exceeds
     /// all that was reserved, and then touches none of the memory. [audio]
@@ -69,6 +69,7 @@ public:
     int Capacity() const noexcept { return memory_.Chunks() * MDelayMemory::kChunk; }
 
 private:
+    bool IsSettledSoon() const noexcept;
     void Settle(MGrowingBuffer<float>& scratch);
     void Refill(int length, float sample);
     void EnterRun();

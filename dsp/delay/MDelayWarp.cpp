@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr int kSamplesPerPiece = 32;
 constexpr int kLeastRoom = 64;  // pieces
 
 double Steps(int length) noexcept { return static_cast<double>(length - 1); }
@@ -16,7 +15,8 @@ double Steps(int length) noexcept { return static_cast<double>(length - 1); }
 
 void MDelayWarp::Reserve(int length) {
     tape_.Reserve(length);
-    pieces_.Reserve(std::clamp(length / kSamplesPerPiece, kLeastRoom, 2 * kFinest));
+    // A piece is a sample at least, so that short lines have room for any changes.
+    pieces_.Reserve(std::clamp(length + 2, kLeastRoom, 2 * kFinest));
 }
 
 void MDelayWarp::Begin(MDelayCircle& circle) noexcept {
@@ -46,10 +46,6 @@ bool MDelayWarp::EndAs(MDelayCircle& circle) noexcept {
     tape_.EndAs(circle, length_);
     pieces_.Clear();
     return true;
-}
-
-bool MDelayWarp::MayFollow() const noexcept {
-    return IsActive() && sinceChange_ < kMovement && pieces_.Size() < pieces_.Room();
 }
 
 bool MDelayWarp::IsTooSoon() const noexcept {

@@ -35,9 +35,13 @@ public:
     void Free() noexcept;
     bool IsActive() const noexcept { return pieces_.Size() > 0; }
 
-    /// Whether a change now may be added to those before. If not, the history has come to rest and
-    /// is to be settled first, or there is no room for another change. [audio]
-    bool MayFollow() const noexcept;
+    /// Whether samples are still to be read that were written before the last change, and that
+    /// change is longer ago than a movement holds together. [audio]
+    bool HasRested() const noexcept { return !IsStraight() && sinceChange_ >= kMovement; }
+    /// Samples on the tape that are still needed. [audio]
+    std::int64_t Stored() const noexcept { return tape_.Written() - Oldest(); }
+    /// Times between two changes that are still remembered. [audio]
+    int Pieces() const noexcept { return pieces_.Size(); }
     /// Whether so many changes are remembered that the next has to wait for the sound to move on.
     /// [audio]
     bool IsTooSoon() const noexcept;

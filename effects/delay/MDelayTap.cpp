@@ -53,11 +53,11 @@ void MDelayTap::Update(const MDelayTapSettings& settings, int sampleRate,
     }
     memory_->Reserve(channels_, sampleRate);
     scratch.Get(MDelayLine::kLongestSettled);
+    if (UsesPredelay()) SetPredelays(settings, sampleRate);
     if (!settings.isSynchronised) {
         length_ = DelaySamples(settings, sampleRate);
         SetLengths(scratch);
     }
-    if (UsesPredelay()) SetPredelays(settings, sampleRate, scratch);
     isEnabled_ = true;
 }
 
@@ -78,14 +78,18 @@ void MDelayTap::SetLengths(MGrowingBuffer<float>& scratch) {
         MDelayLine& line = Line(channel);
         if (line.Length() != length_) line.Resize(length_, scratch);
     }
+    for (int side = 0; side < 2 && UsesPredelay(); ++side) {
+        MDelayLine& predelay = Predelay(side);
+        const int length = predelayLengths_[side];
+        if (predelay.Length() != length) predelay.Resize(length, scratch);
+    }
 }
 
-void MDelayTap::SetPredelays(const MDelayTapSettings& settings, int sampleRate,
-                             MGrowingBuffer<float>& scratch) {
+void MDelayTap::SetPredelays(const MDelayTapSettings& settings, int sampleRate) noexcept {
     const int left = RoundHalfUp(settings.leftOffset * sampleRate);
     const int right = RoundHalfUp(settings.rightOffset * sampleRate);
-    Predelay(0).Resize(left + std::max(-right, 0), scratch);
-    Predelay(1).Resize(right + std::max(-left, 0), scratch);
+    predelayLengths_[0] = std::max(1, left + std::max(-right, 0));
+    predelayLengths_[1] = std::max(1, right + std::max(-left, 0));
 }
 
 bool MDelayTap::IsSilent() const noexcept {

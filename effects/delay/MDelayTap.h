@@ -48,12 +48,13 @@ public:
 
 private:
     void SetLengths(MGrowingBuffer<float>& scratch);
-    void SetPredelays(const MDelayTapSettings& settings, int sampleRate,
-                      MGrowingBuffer<float>& scratch);
+    void SetPredelays(const MDelayTapSettings& settings, int sampleRate) noexcept;
 
     int channels_ = 0;
     bool isEnabled_ = false;
-    int length_ = 0;  // samples that the lines are asked for; 0 before the first update or block
+    // Samples that the lines are asked for, 0 before the first update or block, and the predelays.
+    int length_ = 0;
+    int predelayLengths_[2] = {1, 1};
     std::unique_ptr<MDelayTapLines> memory_;  // null before the tap is first switched on
     MDelayFilterStates filterStates_;
 };

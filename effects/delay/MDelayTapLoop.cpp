@@ -11,6 +11,11 @@ namespace {
 /// comes back as soon as the feedback or the level does. What stays below +20 dB is untouched.
 constexpr float kLoopLimit = 10;
 
+void Limit(double* samples, int count) noexcept {
+    constexpr auto kHigh = static_cast<double>(kLoopLimit);
+    for (int i = 0; i < count; ++i) samples[i] = std::clamp(samples[i], -kHigh, kHigh);
+}
+
 }  // namespace
 
 MDelayTapLoop::MDelayTapLoop(MDelayTap& tap, MDelayMode mode, const MLoopRamps& ramps,
@@ -128,7 +133,9 @@ void MDelayTapLoop::RunLoop(Piece& piece) noexcept {
     const MDelayKernels& kernels = surroundings_.kernels;
     const bool isDirect = IsDirect();
     if (!isDirect) MixLoop(piece);
-    const float ceiling = surroundings_.saturation != nullptr ? kLoopLimit : kLoopCeiling;
+    // A frozen loop keeps what it holds, however loud; there MixLoop has limited the rest.
+    const bool isLimited = surroundings_.saturation != nullptr && surroundings_.freeze == nullptr;
+    const float ceiling = isLimited ? kLoopLimit : kLoopCeiling;
     for (int side = 0; side < piece.channels; ++side) {
         if (isDirect) {
             kernels.exchange(mix_, ramps_, piece.input[side], piece.line[side], piece.echo[side],
@@ -161,6 +168,7 @@ void MDelayTapLoop::MixLoop(Piece& piece) noexcept {
     for (int side = 0; side < piece.channels; ++side) {
         if (surroundings_.saturation != nullptr) {
             kernels.saturate(*surroundings_.saturation, loop[side], piece.count);
+            if (surroundings_.freeze != nullptr) Limit(loop[side], piece.count);
         }
         if (surroundings_.freeze != nullptr) {
             kernels.freeze(surroundings_.freeze[piece.channel + side] + piece.start,

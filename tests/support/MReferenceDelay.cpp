@@ -7,11 +7,9 @@
 
 namespace {
 
-constexpr double kCeiling = 1e9, kSaturatedCeiling = 10;
+constexpr double kCeiling = 1e9;
 
-float Store(double sample, double ceiling) {
-    return static_cast<float>(std::clamp(sample, -ceiling, ceiling));
-}
+float Store(double sample) { return static_cast<float>(std::clamp(sample, -kCeiling, kCeiling)); }
 
 double Squared(const MBlockRamp& ramp, int i, int count) {
     const MLinearRamp line = ramp.Squared(count);
@@ -239,11 +237,13 @@ void MReferenceDelay::Finish(const Block& block, Channel& channel, double loop, 
         if (hasHigh_) loop = std::clamp(RunBiquad(high_, channel.high, loop), -10.0, 10.0);
         if (hasLow_) loop = std::clamp(RunBiquad(low_, channel.low, loop), -10.0, 10.0);
     }
-    if (block.all.saturation > 1e-8) loop = Saturate(loop, block.all.saturation);
+    if (block.all.saturation > 1e-8) {
+        loop = std::clamp(Saturate(loop, block.all.saturation), -10.0, 10.0);
+    }
     if (isFrozen_) {
         const auto p = static_cast<double>(position_);
         loop = (1 - p) * loop + p * static_cast<double>(echo);
         position_ = std::clamp(position_ + step_, 0.0f, 1.0f);
     }
-    channel.line.Push(Store(loop, block.all.saturation > 1e-8 ? kSaturatedCeiling : kCeiling));
+    channel.line.Push(Store(loop));
 }

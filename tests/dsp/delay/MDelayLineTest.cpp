@@ -94,7 +94,7 @@ TEST(MDelayLine, StretchesPlacesInAMovementAndValuesAfterARest) {
     std::mt19937 generator(2);
     for (int round = 0; round < 200; ++round) {
         const bool isLong = round % 10 == 0;
-        const int longest = isLong ? 14'000 : Between(generator, 2, 300);
+        const int longest = isLong ? MDelayLine::kLongestSettled : Between(generator, 2, 300);
         int length = Between(generator, 2, longest);
         Line delay(length);
         PlainLine plain(length);
@@ -142,7 +142,7 @@ TEST(MDelayLine, ReadsOnlyWhatWasWrittenWhateverItsLengths) {
 }
 
 TEST(MDelayLine, CountsChangesOfALongLineAsOneMovementAndTakesThemAsTheyFit) {
-    constexpr int kLong = 2 * MDelayLine::kLongestSettled, kRest = 2 * MDelayWarp::kMovement;
+    constexpr int kLong = 8 * MDelayLine::kLongestSettled, kRest = 2 * MDelayWarp::kMovement;
     Line delay(kLong);
     for (int i = 0; i < kLong; ++i) delay.line.Exchange(static_cast<float>(i % 2));
     // Up and down, far apart, and back to where it was: interpolated once, nothing is left of that.

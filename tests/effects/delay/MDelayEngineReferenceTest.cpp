@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <random>
 
 namespace {
@@ -67,7 +68,7 @@ Difference Compare(unsigned seed, int channels, const MKernelSet& kernels, bool 
         } else {
             sinceTimes = 0;
             // Now and then a tempo beyond the fastest, or none at all.
-            const double odd[] = {1e7, -5, NAN};
+            const double odd[] = {1e7, -5, std::numeric_limits<double>::quiet_NaN()};
             tempo = std::uniform_real_distribution<double>(60, 200)(generator);
             if (generator() % 4 == 0) tempo = odd[generator() % 3];
         }
