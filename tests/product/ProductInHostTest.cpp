@@ -11,7 +11,7 @@
 #include <functional>
 #include <memory>
 #include <set>
-#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -64,9 +64,9 @@ public:
 private:
     static Vst2::AEffect* Make(Vst2::AudioMasterCallback callback) {
         return Vst2::CreateEffect(callback, 1, [] {
-            std::shared_ptr<Plugin> plugin = MProductFactory::Create();
-            made_ = plugin.get();
-            return std::shared_ptr<MAudioPlugin>(plugin);
+            auto product = MProductFactory::Create();
+            made_ = product.get();
+            return std::shared_ptr<MAudioPlugin>(std::move(product));
         });
     }
 
