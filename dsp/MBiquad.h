@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/kernels/MBiquadCoefficients.h"
+
 #include <cstdint>
 #include <span>
 
@@ -14,22 +16,6 @@ enum class BiquadType : std::int32_t {
     BandPass = 7,
     Notch = 8,
     AllPass = 9,
-};
-
-/// A section normalised by a0, with the feedback coefficients negated:
-/// y[n] = b0 x[n] + b1 x[n-1] + b2 x[n-2] + minusA1 y[n-1] + minusA2 y[n-2].
-struct MBiquadCoefficients {
-    double b0 = 1;
-    double b2 = 0;
-    double minusA2 = 0;
-    double b1 = 0;
-    double minusA1 = 0;
-};
-
-/// What the sound left behind in one section (transposed direct form II).
-struct MBiquadState {
-    double s1 = 0;
-    double s2 = 0;
 };
 
 /// Added to every designed coefficient: keeps a fading recursion away from denormal numbers.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/kernels/MDelayKernels.h"
+#include "dsp/kernels/MLinearRamp.h"
 
 /// Where a number stands when a block starts and where when it ends; sample i of n has
 /// from + i * (to - from) / n.

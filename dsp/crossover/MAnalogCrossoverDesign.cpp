@@ -20,12 +20,12 @@ MBiquadCoefficients FirstOrderAllPass(double frequency, double sampleRate) {
 }
 
 /// Writes the cascade `times` times in a row; the first section takes the sign.
-void Pack(const MBiquadCascade& cascade, int times, double sign, std::span<MKernelSection> packed) {
+void Pack(const MBiquadCascade& cascade, int times, double sign,
+          std::span<MBiquadCoefficients> packed) {
     std::size_t next = 0;
     for (int i = 0; i < times; ++i) {
         for (const MBiquad& section : cascade.Sections()) {
-            const MBiquadCoefficients& c = section.Coefficients();
-            packed[next++] = {c.b0, c.b1, c.b2, c.minusA1, c.minusA2};
+            packed[next++] = section.Coefficients();
         }
     }
     packed[0].b0 *= sign;

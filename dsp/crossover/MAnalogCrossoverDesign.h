@@ -56,8 +56,8 @@ struct MAnalogCrossoverDesign {
     /// The same filters as the kernels take them: applied as often as needed, the high-pass below
     /// an inverted band inverted.
     struct Point {
-        std::array<MKernelSection, kMaxApplied> high, low;
-        std::array<MKernelSection, kMaxCascadeSections> all;
+        std::array<MBiquadCoefficients, kMaxApplied> high, low;
+        std::array<MBiquadCoefficients, kMaxCascadeSections> all;
     };
     std::array<Point, kMaxCrossoverPoints> kernel;
 

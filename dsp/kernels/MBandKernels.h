@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/kernels/MDelayKernels.h"
+#include "dsp/kernels/MLinearRamp.h"
 
 /// What a meter wants to know of one channel of one block.
 struct MBlockLevels {

@@ -50,7 +50,7 @@ struct State {
     Lanes s1, s2;
 };
 
-inline Section LoadSection(const MKernelSection& a, const MKernelSection& b) noexcept {
+inline Section LoadSection(const MBiquadCoefficients& a, const MBiquadCoefficients& b) noexcept {
     return {Spread(a.b0, b.b0), Spread(a.b1, b.b1), Spread(a.b2, b.b2),
             Spread(a.minusA1, b.minusA1), Spread(a.minusA2, b.minusA2)};
 }

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-struct MLinearRamp;
-
-/// A second-order section as the kernels take it; the feedback coefficients are negated.
-struct MKernelSection {
-    double b0 = 1, b1 = 0, b2 = 0;
-    double minusA1 = 0, minusA2 = 0;
-};
+#include "dsp/kernels/MBiquadCoefficients.h"
+#include "dsp/kernels/MLinearRamp.h"
 
 /// What the sound left behind in one section of a pair of channels (transposed direct form II).
 struct MKernelSectionState {
@@ -18,7 +13,7 @@ struct MKernelSectionState {
 /// One filter for a pair of channels. Frames are interleaved: left, right, left, right. The
 /// destination may be the source.
 struct MKernelFilter {
-    const MKernelSection* sections;
+    const MBiquadCoefficients* sections;
     MKernelSectionState* states;
     const double* source;
     double* destination;

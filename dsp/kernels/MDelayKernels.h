@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/kernels/MBiquadCoefficients.h"
+#include "dsp/kernels/MLinearRamp.h"
+
 /// The hot loops of the delay. Samples of lines and buffers are floats, the arithmetic is in
 /// doubles; `count` is at least 0 and no pointers need an alignment. All are [audio].
-
-/// A number that moves by a fixed step per sample: sample i has start + i * step.
-struct MLinearRamp {
-    double start = 0;
-    double step = 0;
-};
 
 /// How input and echo make the sample that goes round the loop.
 enum class MLoopMix {
@@ -44,10 +41,10 @@ struct MPlainLoop {
 /// Two sections one after the other; an absent one is null. The states are those of one or two
 /// channels, side by side.
 struct MFilterPair {
-    const struct MBiquadCoefficients* first = nullptr;
-    const struct MBiquadCoefficients* second = nullptr;
-    struct MBiquadState* firstStates = nullptr;
-    struct MBiquadState* secondStates = nullptr;
+    const MBiquadCoefficients* first = nullptr;
+    const MBiquadCoefficients* second = nullptr;
+    MBiquadState* firstStates = nullptr;
+    MBiquadState* secondStates = nullptr;
 };
 
 /// A saturation that is tanh(innerScale * |x|) * outerScale below 1 and 1 from there on, with an

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/MBiquad.h"
 #include "dsp/kernels/MDelayKernelParts.h"
 #include "dsp/kernels/MVector.h"
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/kernels/MCrossoverKernelParts.h"
-#include "dsp/kernels/MDelayKernels.h"
 #include "dsp/kernels/MVector.h"
 
 #include <cstddef>

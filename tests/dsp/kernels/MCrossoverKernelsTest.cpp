@@ -22,8 +22,8 @@ std::vector<double> RunStages(const MCrossoverKernels& kernels, int stageCount, 
     for (double& sample : right) sample = uniform(random);
     kernels.interleave(left.data(), right.data(), frames.data(), kFrames);
 
-    std::vector<MKernelSection> sections(2 * stageCount * sectionCount);
-    for (MKernelSection& section : sections) {
+    std::vector<MBiquadCoefficients> sections(2 * stageCount * sectionCount);
+    for (MBiquadCoefficients& section : sections) {
         section = {uniform(random), uniform(random), uniform(random), uniform(random),
                    uniform(random)};
     }
