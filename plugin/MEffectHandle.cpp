@@ -4,7 +4,6 @@
 #include "core/MException.h"
 
 #include <bit>
-#include <utility>
 
 namespace {
 
@@ -23,29 +22,12 @@ MEffectHandle::MEffectHandle(MEffectEntry entry)
     if (effect_ == nullptr) throw MException("The effect could not be created.");
 }
 
-MEffectHandle::~MEffectHandle() { Destroy(); }
-
-MEffectHandle::MEffectHandle(MEffectHandle&& other) noexcept
-    : entry_(other.entry_), effect_(std::exchange(other.effect_, nullptr)) {}
-
-MEffectHandle& MEffectHandle::operator=(MEffectHandle&& other) noexcept {
-    if (this != &other) {
-        Destroy();
-        entry_ = other.entry_;
-        effect_ = std::exchange(other.effect_, nullptr);
-    }
-    return *this;
-}
+MEffectHandle::~MEffectHandle() { Send(MEffectCommand::Destroy); }
 
 template <class... Payloads>
 std::int64_t MEffectHandle::Send(MEffectCommand command, Payloads... payloads) const {
     MEffectArguments arguments = {{Cell(payloads)...}};
     return std::bit_cast<std::int64_t>(entry_(effect_, Number(command), &arguments));
-}
-
-void MEffectHandle::Destroy() noexcept {
-    if (effect_ != nullptr) Send(MEffectCommand::Destroy);
-    effect_ = nullptr;
 }
 
 void MEffectHandle::SetHostCallback(void* context, MEffectHostCallback callback) {

@@ -12,16 +12,13 @@
 /// each command that owners send. The entry may come from this program or from a loaded library.
 ///
 /// The calls are ordered: `SetHostCallback` and `Table` first, `Prepare` before the first
-/// `Process`. The effect does its own locking; the handle adds none and is not to be moved while
-/// audio runs.
+/// `Process`. The effect does its own locking; the handle adds none.
 class MEffectHandle {
 public:
     /// Creates an effect through `entry`. Throws MException when the entry hands none back. [main]
     explicit MEffectHandle(MEffectEntry entry);
     /// Destroys the effect, which first waits for a running block. [main]
     ~MEffectHandle();
-    MEffectHandle(MEffectHandle&& other) noexcept;
-    MEffectHandle& operator=(MEffectHandle&& other) noexcept;
     MEffectHandle(const MEffectHandle&) = delete;
     MEffectHandle& operator=(const MEffectHandle&) = delete;
 
@@ -61,8 +58,7 @@ public:
 private:
     template <class... Payloads>
     std::int64_t Send(MEffectCommand command, Payloads... payloads) const;
-    void Destroy() noexcept;
 
     MEffectEntry entry_;
-    void* effect_;  // null after a move
+    void* effect_;
 };
