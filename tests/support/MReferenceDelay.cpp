@@ -21,7 +21,9 @@ double Straight(const MBlockRamp& ramp, int i, int count) {
     return line.start + i * line.step;
 }
 
-double Saturate(double sample, double amount) {
+}  // namespace
+
+double MReferenceDelay::Saturate(double sample, double amount) {
     const double x = sample;
     const double size = std::abs(x);
     const double bent =
@@ -29,8 +31,6 @@ double Saturate(double sample, double amount) {
     const double r = x < 0 ? -bent : bent;
     return (1 - amount) * x + amount * (r + 0.7 * (r - x) * (r - x));
 }
-
-}  // namespace
 
 void MReferenceDelay::Line::Resize(int length) {
     const std::size_t to = static_cast<std::size_t>(std::max(length, 1)), from = samples.size();

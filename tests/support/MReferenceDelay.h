@@ -19,6 +19,9 @@ public:
     void Process(const MDelaySettings& settings, double tempo, const float* const* inputs,
                  float* const* outputs, int count);
 
+    /// One sample through the saturation with `amount` 0..1.
+    static double Saturate(double sample, double amount);
+
 private:
     struct Line {
         std::vector<float> samples;

@@ -2,6 +2,7 @@
 #include "benchmarks/support/FrameCounter.h"
 #include "dsp/delay/MSaturationCurve.h"
 #include "dsp/kernels/MKernelSet.h"
+#include "tests/support/MReferenceDelay.h"
 
 #include <benchmark/benchmark.h>
 
@@ -24,11 +25,12 @@ std::vector<double> Noise() {
 }
 
 void Reference(benchmark::State& state) {
-    const MSaturationCurve curve;
     const std::vector<double> input = Noise();
     std::vector<double> output(input.size());
     for (auto _ : state) {
-        for (std::size_t i = 0; i < input.size(); ++i) output[i] = curve.Process(input[i], kAmount);
+        for (std::size_t i = 0; i < input.size(); ++i) {
+            output[i] = MReferenceDelay::Saturate(input[i], kAmount);
+        }
         benchmark::DoNotOptimize(output.data());
         benchmark::ClobberMemory();
     }
