@@ -27,6 +27,9 @@ MAY_INCLUDE = {
 }
 OWN = {room.split("/")[0] for room in MAY_INCLUDE} | {"product", "tools", "tests", "benchmarks"}
 
+# What measures the rest, and by whom it may be included.
+MEASURE = {"tests": ["tests", "benchmarks"], "benchmarks": ["benchmarks"]}
+
 # Each package is known to one of our files only.
 PACKAGES = {
     r"pugixml": "core/MXML.cpp",
@@ -60,8 +63,8 @@ def faults_of(root: Path, file: Path):
         first = target.split("/")[0]
         if bracket == '"' and (first not in OWN or not (root / target).is_file()):
             yield f'{name}: "{target}" is no full path from the root'
-        elif bracket == '"' and first in ("tests", "benchmarks") and folder not in ("tests", "benchmarks"):
-            yield f'{name}: includes "{target}", which only tests may'
+        elif bracket == '"' and folder not in MEASURE.get(first, {folder}):
+            yield f'{name}: includes "{target}", which only {" and ".join(MEASURE[first])} may'
         elif bracket == '"' and not is_allowed(room, Path(target)):
             yield f'{name}: {room} may not include "{target}"'
         for package, only in PACKAGES.items():

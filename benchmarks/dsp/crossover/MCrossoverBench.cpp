@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "benchmarks/dsp/MAnalogTranscription.h"
 #include "benchmarks/support/FrameCounter.h"
 #include "dsp/crossover/MAnalogCrossover.h"
 #include "dsp/crossover/MLinearPhaseCrossover.h"
@@ -45,14 +44,15 @@ struct StereoBlock {
 
 void AnalogReference(benchmark::State& state, int bandCount, int slope, int frames) {
     StereoBlock block(frames);
-    MAnalogTranscription channels[2] = {{Limits(bandCount), kSampleRate, slope},
-                                        {Limits(bandCount), kSampleRate, slope}};
+    MAnalogCrossover crossover;
+    crossover.Design(bandCount, Limits(bandCount), kSampleRate,
+                     static_cast<MAnalogCrossover::Slope>(slope));
+    MAnalogChannelState left, right;
     for (auto _ : state) {
+        crossover.BeginBlock();
         for (int band = 0; band < bandCount; ++band) {
-            channels[0].ProcessBand(band, block.left, block.memory[band][0]);
-        }
-        for (int band = 0; band < bandCount; ++band) {
-            channels[1].ProcessBand(band, block.right, block.memory[band][1]);
+            crossover.ProcessBand(left, band, block.left.data(), block.bands[band].left, frames);
+            crossover.ProcessBand(right, band, block.right.data(), block.bands[band].right, frames);
         }
         benchmark::ClobberMemory();
     }
