@@ -17,7 +17,7 @@ function(m_library name)
 endfunction()
 
 # m_test(NAME SOURCES file... LINK target...)
-# A GoogleTest program whose cases ctest lists one by one.
+# A GoogleTest program whose cases ctest lists one by one, labelled with the program's name.
 function(m_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
     add_executable(${name} ${arg_SOURCES})
@@ -27,5 +27,5 @@ function(m_test name)
         target_precompile_headers(${name} REUSE_FROM m_test_headers)
     endif()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
-        PROPERTIES TIMEOUT 600)
+        PROPERTIES TIMEOUT 600 LABELS ${name})
 endfunction()
