@@ -114,7 +114,16 @@ MDelayParameters::Values MDelayParameters::ReadValues() const noexcept {
     return values;
 }
 
-MDelaySettings MDelayParameters::ReadForBlock() const noexcept { return SettingsOf(ReadValues()); }
+MDelaySettings MDelayParameters::ReadForBlock() const noexcept {
+    const Values values = ReadValues();
+    MDelaySettings settings = SettingsOf(values);
+    for (int tap = 0; tap < kDelayTaps; ++tap) {
+        settings.taps[tap].feedback = RampTo(values, OfTap(tap, Feedback));
+        settings.taps[tap].gain = RampTo(values, OfTap(tap, Gain));
+        settings.taps[tap].panorama = RampTo(values, OfTap(tap, Panorama));
+    }
+    return settings;
+}
 
 MDelaySettings MDelayParameters::ReadForUpdate() const noexcept {
     const Values values = ReadValues();
@@ -144,9 +153,6 @@ MDelaySettings MDelayParameters::SettingsOf(const Values& values) const noexcept
 MDelayTapSettings MDelayParameters::TapOf(const Values& values, int tap) const noexcept {
     MDelayTapSettings settings;
     settings.isEnabled = values[OfTap(tap, Panel)] > 0;
-    settings.feedback = RampTo(values, OfTap(tap, Feedback));
-    settings.gain = RampTo(values, OfTap(tap, Gain));
-    settings.panorama = RampTo(values, OfTap(tap, Panorama));
     settings.delay = values[OfTap(tap, Delay)];
     settings.leftOffset = values[OfTap(tap, LeftOffset)];
     settings.rightOffset = values[OfTap(tap, RightOffset)];
