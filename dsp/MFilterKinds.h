@@ -9,8 +9,8 @@
 #include <string>
 #include <string_view>
 
-/// The filters that a user may choose from. The numbers and keys are stored in settings and never
-/// change.
+/// The filters that a user may choose from; the editor will offer them. The numbers and keys are
+/// stored in settings and never change.
 enum class MFilterKind : std::int32_t {
     Peak = 0,
     LowShelf = 1,

@@ -29,8 +29,6 @@ public:
         capacity_ = 0;
     }
 
-    int Capacity() const noexcept { return capacity_; }
-
 private:
     std::unique_ptr<Number[]> data_;
     int capacity_ = 0;

@@ -21,13 +21,9 @@ enum class CrossoverGeneralizedType : std::int32_t {
     Slope120 = 5,
 };
 
+/// The texts that a user sees, in the order of the numbers.
 inline constexpr std::array<std::string_view, 6> kCrossoverSlopeNames = {
     "12dB/oct", "24dB/oct", "48dB/oct", "72dB/oct", "96dB/oct", "120dB/oct"};
-
-/// The text a user sees. `type` must be one of the enumerators. [any]
-inline std::string_view CrossoverSlopeName(CrossoverGeneralizedType type) {
-    return kCrossoverSlopeNames.at(static_cast<std::size_t>(type));
-}
 
 /// The slope of that name, upper and lower case alike and blanks around it ignored; empty for any
 /// other text. [any]

@@ -65,8 +65,6 @@ public:
     bool IsBelow(float threshold) const noexcept;
 
     int Length() const noexcept { return length_; }  // samples
-    /// Samples that there is room for, whether there is memory behind the room or not.
-    int Capacity() const noexcept { return memory_.Chunks() * MDelayMemory::kChunk; }
 
 private:
     bool IsSettledSoon() const noexcept;
