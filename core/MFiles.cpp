@@ -149,7 +149,7 @@ bool ReplaceBy(const fs::path& file, const fs::path& target, std::string_view co
 
 /// Removes a file unless someone is writing it.
 void RemoveLeftover(const fs::path& file) {
-    const OpenFile opened(file, O_RDWR | O_NOFOLLOW | O_NONBLOCK);
+    const OpenFile opened(file, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
     if (opened.Handle() >= 0 && opened.TryLock()) unlink(file.c_str());
 }
 
