@@ -61,6 +61,7 @@ bool MAudioPlugin::SetBusLayout(const MBusLayout& layout) {
     const MBusLayout before = std::exchange(layout_, layout);
     if (InitProcessing()) return true;
     layout_ = before;
+    InitProcessing();  // the attempt has stopped the blocks
     return false;
 }
 
