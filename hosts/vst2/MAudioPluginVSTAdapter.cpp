@@ -119,9 +119,17 @@ void MAudioPluginVSTAdapter::ReportLatency() {
     });
 }
 
+/// A number of this thread's own. The system's identifiers will not do: the audio thread may get
+/// that of a thread that has ended.
+std::uint64_t MAudioPluginVSTAdapter::ThisThread() noexcept {
+    static std::atomic<std::uint64_t> last{0};
+    static thread_local const std::uint64_t own = ++last;
+    return own;
+}
+
 template <class Tell>
 void MAudioPluginVSTAdapter::TellHost(std::atomic<bool>& waits, Tell&& tell) {
-    if (IsAtHome() && !isInBlock_.load(std::memory_order_relaxed)) {
+    if (!isInBlock_.load(std::memory_order_relaxed) && IsAtHome()) {
         tell();
     } else {
         waits.store(true);
@@ -129,7 +137,7 @@ void MAudioPluginVSTAdapter::TellHost(std::atomic<bool>& waits, Tell&& tell) {
 }
 
 void MAudioPluginVSTAdapter::dispatched(VstCaller caller) {
-    if (caller == VstCaller::Main) homeThread_.store(std::this_thread::get_id());
+    if (caller == VstCaller::Main) homeThread_.store(ThisThread());
     if (caller == VstCaller::Audio || !IsAtHome()) return;
     Guard("MAudioPluginVSTAdapter::dispatched", [&] {
         if (IsTimeForMoves()) plugin_->ReportMovedParameters();

@@ -13,7 +13,6 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <thread>
 #include <vector>
 
 namespace Vst2 {
@@ -103,7 +102,8 @@ private:
     bool FillPin(VstInt32 index, int channelCount, VstPinProperties& pin) const;
     int CreatedChannelsPerBus() const noexcept { return created_.outputs; }
 
-    bool IsAtHome() const noexcept { return std::this_thread::get_id() == homeThread_.load(); }
+    bool IsAtHome() const noexcept { return ThisThread() == homeThread_.load(); }
+    static std::uint64_t ThisThread() noexcept;
     bool IsTimeForMoves() noexcept;
     template <class Tell>
     void TellHost(std::atomic<bool>& waits, Tell&& tell);
@@ -130,7 +130,7 @@ private:
     MBusLayout created_;    // the widest that the host may ask for
     bool isSetUp_ = false;  // before that, hosts write parameters that they have not read yet
     std::vector<std::uint8_t> lastChunk_;  // the host reads it after getChunk has returned
-    std::atomic<std::thread::id> homeThread_{std::this_thread::get_id()};
+    std::atomic<std::uint64_t> homeThread_{ThisThread()};
     std::atomic<bool> latencyWaits_{false};  // to be told to the host
     std::atomic<bool> changesWait_{false};
     std::atomic<Clock::duration> lastMoves_{};   // when the plug-in was last asked for moves
