@@ -101,6 +101,7 @@ void MAudioEffectPluginToAudioPluginAdapter::RunLongBlock(const float* const* in
 void MAudioEffectPluginToAudioPluginAdapter::RunFrame(const float* const* inputs,
                                                       float* const* outputs, int first, int count) {
     const MStateHandOver::Block block(handOver_, count);
+    const MPresetTriggers::Block triggerBlock(presetTriggers_);
     modulation_.LookForNewer();
     handOver_.Take([&](const MStateHandOver::Publication& published) { AdoptChanges(published); });
     modulation_.Adopt(handOver_.Taken().modulation);

@@ -30,7 +30,8 @@ void MPresetTriggers::AddParameters(MParameterTable& table) {
 void MPresetTriggers::ParameterChanged(int index, std::uint32_t /*offset*/, double oldValue,
                                        double newValue) noexcept {
     if (newValue < 0.5) return;
-    if (oldValue < 0.5) pressed_.fetch_or(Bit(index));
+    const bool isInBlock = isInBlock_.load(std::memory_order_relaxed);
+    if (oldValue < 0.5) (isInBlock ? pressedInBlock_ : pressed_).fetch_or(Bit(index));
     // A modulator takes its target back by itself.
     if (records_[index].IsRedirected()) return;
     records_[index].SetValue(0);
@@ -40,16 +41,19 @@ void MPresetTriggers::ParameterChanged(int index, std::uint32_t /*offset*/, doub
 void MPresetTriggers::Run(int sampleCount) noexcept {
     const bool startsOver = startsOver_.load(std::memory_order_relaxed) &&
                             startsOver_.exchange(false, std::memory_order_relaxed);
-    if (startsOver) mayAct_ = {};
-    const unsigned pressed = Take(pressed_);
+    if (startsOver) mayAct_ = mightAct_ = {};
+    const unsigned pressed = Take(pressed_), pressedInBlock = Take(pressedInBlock_);
     int steps = 0;
     for (int i = 0; i < kCount; ++i) {
-        if ((pressed & Bit(i)) != 0) {
-            if (mayAct_[i]) steps += i == 0 ? -1 : 1;
-            mayAct_[i] = false;
-        } else if (sampleCount > 0 && !mayAct_[i]) {
-            mayAct_[i] = !records_[i].IsOn();  // and stays so until the next press
+        const bool isPressed = (pressed & Bit(i)) != 0;
+        const bool isPressedInBlock = (pressedInBlock & Bit(i)) != 0;
+        if ((isPressed && mayAct_[i]) || (isPressedInBlock && mightAct_[i])) {
+            steps += i == 0 ? -1 : 1;
         }
+        mightAct_[i] = mayAct_[i] && !isPressed && !isPressedInBlock;
+        mayAct_[i] = mightAct_[i];
+        const bool isPause = !isPressed && !isPressedInBlock && sampleCount > 0;
+        if (isPause && !mayAct_[i]) mayAct_[i] = !records_[i].IsOn();  // until the next press
     }
     if (stepper_ != nullptr && steps != 0) stepper_->PostStep(steps);
 }

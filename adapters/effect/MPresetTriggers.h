@@ -26,6 +26,21 @@ public:
     /// [setup]
     void AddParameters(MParameterTable& table);
 
+    /// Lives while a block runs: what presses a button meanwhile is MIDI or a MultiParameter, and
+    /// counts as a part of that block. [audio]
+    class Block {
+    public:
+        explicit Block(MPresetTriggers& triggers) noexcept : triggers_(triggers) {
+            triggers_.isInBlock_.store(true, std::memory_order_relaxed);
+        }
+        ~Block() { triggers_.isInBlock_.store(false, std::memory_order_relaxed); }
+        Block(const Block&) = delete;
+        Block& operator=(const Block&) = delete;
+
+    private:
+        MPresetTriggers& triggers_;
+    };
+
     void ParameterChanged(int index, std::uint32_t offset, double oldValue,
                           double newValue) noexcept override;
     /// Lets presses count after the next block at the earliest: the host has resumed or a state
@@ -44,8 +59,12 @@ private:
     MPresetStepper* const stepper_;
     std::array<ParameterDefinition, kCount> records_;
     std::array<std::uint32_t, kCount> identifiers_{};
-    std::atomic<unsigned> pressed_{0};   // a bit each
-    std::atomic<unsigned> released_{0};  // the same
+    std::atomic<unsigned> pressed_{0};         // a bit each, between two blocks
+    std::atomic<unsigned> pressedInBlock_{0};  // the same, in the course of a block
+    std::atomic<unsigned> released_{0};        // the same, for the host to be told
+    std::atomic<bool> isInBlock_{false};
     std::atomic<bool> startsOver_{true};
-    std::array<bool, kCount> mayAct_{};  // of the audio thread
+    // Of the audio thread: whether a press counts now, and did when the last block began.
+    std::array<bool, kCount> mayAct_{};
+    std::array<bool, kCount> mightAct_{};
 };
