@@ -60,8 +60,8 @@ public:
     /// How many samples may be opened at once; at least 1. [audio]
     int Contiguous() const noexcept;
 
-    /// Whether every stored sample is below `threshold` in magnitude, those that a movement skips
-    /// included. [audio]
+    /// Whether every stored sample is below `threshold` in magnitude. Samples that a movement will
+    /// skip count as well. [audio]
     bool IsBelow(float threshold) const noexcept;
 
     int Length() const noexcept { return length_; }  // samples

@@ -51,7 +51,7 @@ public:
     /// Reads the `count` oldest samples, at most the length. Write must follow for as many, unless
     /// the warp ends. [audio]
     void Read(float* out, int count) noexcept;
-    /// Stores `count` samples, those that take the place of the ones just read. [audio]
+    /// Stores `count` samples in place of the samples just read. [audio]
     void Write(const float* in, int count);
 
     /// Whether the samples lie on the tape as they will be read, one by one. [audio]
@@ -68,7 +68,7 @@ public:
     bool IsBelow(float threshold) const noexcept { return tape_.IsBelow(threshold, Oldest()); }
 
 private:
-    /// What was written between two changes.
+    /// A run of samples written between two changes.
     struct Piece {
         int count;   // samples
         int length;  // of the line meanwhile

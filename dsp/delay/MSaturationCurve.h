@@ -9,7 +9,7 @@ class MSaturationCurve {
 public:
     MSaturationCurve() noexcept;
 
-    /// What the kernel needs for `amount` 0..1. [audio]
+    /// The kernel's settings for `amount` 0..1. [audio]
     MSaturationSettings Settings(double amount) const noexcept;
 
 private:

@@ -11,7 +11,7 @@ struct MBiquadCoefficients {
     double minusA1 = 0;
 };
 
-/// What the sound left behind in one section (transposed direct form II).
+/// The memory of one section (transposed direct form II).
 struct MBiquadState {
     double s1 = 0;
     double s2 = 0;

@@ -17,7 +17,7 @@ enum class MShape : int {
     Steps           ///< `stepCount` values of equal length per cycle
 };
 
-/// What users call them, in their order. The builder of the factory presets reads this text.
+/// The shapes' names for users, in their order. The builder of the factory presets reads this text.
 inline constexpr auto kShapeNames = std::to_array<std::string_view>(
     {"sine", "triangle", "saw", "sawdown", "square", "stepped", "smooth", "steps"});
 static_assert(kShapeNames.size() == static_cast<int>(MShape::Steps) + 1);

@@ -8,7 +8,7 @@
 namespace {
 
 /// Neither a resonant filter nor the even part of the saturation may run away with the loop: it
-/// comes back as soon as the feedback or the level does. What stays below +20 dB is untouched.
+/// comes back as soon as the feedback or the level does. Sound below +20 dB is untouched.
 constexpr float kLoopLimit = 10;
 
 void Limit(double* samples, int count) noexcept {
